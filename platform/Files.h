@@ -1,0 +1,61 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+// File services. Every path is absolute and its folder ends in `PathSeparator`; any other path
+// names nothing, and an operation on it fails. No failure is reported but by the result.
+
+namespace platform {
+
+// Attribute mask of `Dir`.
+inline constexpr int vbNormal = 0;
+inline constexpr int vbHidden = 2;
+inline constexpr int vbSystem = 4;
+inline constexpr int vbDirectory = 16;
+
+/// Starts a look-up by name or pattern ("*.txt", its ending in any case of its letters, or "*.*",
+/// which fits every name) and returns the first name found, without folder; empty for none.
+/// Finds ordinary files (read-only ones too, links to ordinary files too); hidden files and folders
+/// only where `attributes` asks for them. Pipes, sockets, devices and links that point nowhere are
+/// never found. A folder's own path, ending in a separator, finds "." in it when folders are asked
+/// for.
+std::string Dir(const std::string& pattern, int attributes = vbNormal);
+
+/// The next name of the look-up begun last; empty at its end. Deleting on the way loses none.
+std::string Dir();
+
+/// Deletes a file, or by the wildcard "*.*" or "*.txt" every ordinary, not hidden file of a folder
+/// that can be deleted. A link is removed itself, not what it points to. A read-only file and a
+/// folder stay. False when anything that fits stayed or nothing fits.
+bool Kill(const std::string& path);
+
+/// Creates one folder, no parents. False when it exists or cannot be made.
+bool MkDir(const std::string& path);
+
+/// A file opened for sequential text input, closed at the end of its scope. Opened only when `Dir`
+/// would find it. Lines end at CR or CR LF; a lone LF does not end a line.
+class InputFile {
+ public:
+  explicit InputFile(const std::string& path);
+
+  /// Whether the file could be opened and read.
+  bool IsOpen() const { return open_; }
+  bool EndOfFile() const { return position_ >= content_.size(); }
+  /// The next line without its end, as bytes; an empty one at the end of the file.
+  std::string LineInput();
+
+ private:
+  std::string content_;
+  std::size_t position_ = 0;
+  bool open_ = false;
+};
+
+/// Gives a file new content. What was there before, or all of the new content, is what any reader
+/// finds at any moment, also after a full disk or a kill. False when the old content stayed.
+bool ReplaceFile(const std::string& path, std::string_view content);
+
+/// Adds text at a file's end with a single write, creating the file when it is missing.
+bool AppendFile(const std::string& path, std::string_view text);
+
+}  // namespace platform

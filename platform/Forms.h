@@ -1,0 +1,316 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+// The window framework: windows, controls, timers, menus and the event loop.
+//
+// A control is a thin handle over the toolkit's real widget; the widget is the truth, and reading a
+// property asks it. Positions and sizes are twips, 1440 to the inch; a child's place counts from
+// the top left corner of what holds it, a window's includes its frame. Events are the public
+// functions named after them and run on the one thread, only while events are handed out.
+
+namespace platform {
+
+class Container;
+struct NativeWidget;  // the toolkit's own object; opaque above the platform
+
+/// Where a control lies, in twips.
+struct Place {
+  int Left = 0;
+  int Top = 0;
+  int Width = 0;
+  int Height = 0;
+};
+
+/// What a window's design says of a control.
+struct Design {
+  const char* Name;
+  const char* Caption = "";
+  Place At;
+  int TabIndex = -1;
+  /// What a screen reader calls a control that has no caption.
+  const char* AccessibleName = "";
+};
+
+class Control {
+ public:
+  Control(const Control&) = delete;
+  Control& operator=(const Control&) = delete;
+  virtual ~Control();
+
+  int Left() const;
+  int Top() const;
+  int Width() const;
+  int Height() const;
+  void Left(int twips);
+  void Top(int twips);
+  void Width(int twips);
+  void Height(int twips);
+  void Move(const Place& to);
+  /// Whether the control shows whenever what holds it does.
+  bool Visible() const;
+  void Visible(bool visible);
+  bool Enabled() const;
+  void Enabled(bool enabled);
+  /// Colour as 0xRRGGBB.
+  std::uint32_t BackColor() const;
+  void BackColor(std::uint32_t rgb);
+  void ForeColor(std::uint32_t rgb);
+  void FontUnderline(bool underline);
+  void SetFocus();
+  /// Names the control to `SendMessageA`.
+  std::uint32_t hWnd() const;
+
+  NativeWidget* Native() const { return native_; }
+
+ protected:
+  Control(Container& parent, const Design& design, NativeWidget* native);
+  explicit Control(NativeWidget* native) : native_(native) {}
+
+ private:
+  NativeWidget* native_;
+};
+
+/// A control or window that holds controls.
+class Container : public Control {
+ protected:
+  using Control::Control;
+};
+
+class CommandButton : public Control {
+ public:
+  CommandButton(Container& parent, const Design& design);
+  std::function<void()> Click;
+  /// Enter presses the button from anywhere in its window.
+  void Default(bool on);
+  /// Esc presses the button from anywhere in its window.
+  void Cancel(bool on);
+};
+
+class CheckBox : public Control {
+ public:
+  CheckBox(Container& parent, const Design& design);
+  /// 1 checked, 0 unchecked. A change from code runs `Click` like one by the user.
+  int Value() const;
+  void Value(int value);
+  std::function<void()> Click;
+};
+
+class TextBox : public Control {
+ public:
+  enum class Kind { OneLine, MultiLine };
+  TextBox(Container& parent, const Design& design, Kind kind = Kind::OneLine);
+  std::string Text() const;
+  void Text(std::string_view text);
+  void Locked(bool readOnly);
+  /// The key's character code; 13 for Enter.
+  std::function<void(int KeyAscii)> KeyPress;
+};
+
+class Label : public Control {
+ public:
+  Label(Container& parent, const Design& design);
+  std::string Caption() const;
+  void Caption(std::string_view text);
+  void Centered(bool centered);
+  void WordWrap(bool wrap);
+  /// The label takes the size of its text.
+  void AutoSize(bool on);
+  /// The label is a link: pointing hand, reached and pressed by keyboard too.
+  void Link(bool on);
+  std::function<void()> Click;
+};
+
+class ComboBox : public Control {
+ public:
+  ComboBox(Container& parent, const Design& design, const std::vector<std::string>& items);
+  int ListIndex() const;
+  void ListIndex(int index);
+};
+
+/// An unsorted list of text lines.
+class ListBox : public Control {
+ public:
+  ListBox(Container& parent, const Design& design);
+  /// Adds a line at the bottom; selection and scroll position stay.
+  void AddItem(std::string_view line);
+  int ListCount() const;
+  std::string List(int index) const;
+};
+
+/// A panel.
+class PictureBox : public Container {
+ public:
+  PictureBox(Container& parent, const Design& design);
+};
+
+/// A titled frame.
+class Frame : public Container {
+ public:
+  Frame(Container& parent, const Design& design);
+};
+
+/// A picture from the program's own data.
+class Image : public Control {
+ public:
+  Image(Container& parent, const Design& design, const std::string& resource);
+  /// Handle of the picture, for `NOTIFYICONDATA`.
+  std::uint32_t Picture() const;
+};
+
+/// A straight line from one point to another.
+class Line : public Control {
+ public:
+  Line(Container& parent, const Design& design, std::uint32_t rgb);
+};
+
+/// A strip of tabs; it shows no pages of its own.
+class TabStrip : public Control {
+ public:
+  TabStrip(Container& parent, const Design& design, const std::vector<std::string>& tabs);
+  /// Index of the selected tab, from 1.
+  int SelectedItem() const;
+  void SelectedItem(int index);
+  std::function<void()> Click;
+};
+
+class Timer {
+ public:
+  Timer(Container& parent, int intervalMilliseconds, bool enabled);
+  Timer(const Timer&) = delete;
+  Timer& operator=(const Timer&) = delete;
+  ~Timer();
+  bool Enabled() const;
+  void Enabled(bool enabled);
+  /// The tick. Ticks that fall due while it runs, at whatever depth, are left out.
+  std::function<void()> Tick;
+
+ private:
+  struct Native;
+  std::unique_ptr<Native> native_;
+};
+
+/// A pop-up menu.
+class Menu {
+ public:
+  struct Entry {
+    const char* Name;
+    const char* Caption;  ///< "-" is a separator.
+    std::function<void()> Click;
+  };
+  Menu(Container& parent, const std::vector<Entry>& entries);
+  Menu(const Menu&) = delete;
+  Menu& operator=(const Menu&) = delete;
+  ~Menu();
+  NativeWidget* Native() const { return native_; }
+
+ private:
+  NativeWidget* native_;
+};
+
+inline constexpr int vbNormalState = 0;
+inline constexpr int vbMinimized = 1;
+inline constexpr int vbMaximized = 2;
+
+enum class BorderStyle { Sizable, FixedSingle, FixedDialog };
+
+/// What a window's design says of itself.
+struct FormDesign {
+  const char* Name;
+  const char* Caption;
+  int ClientWidth;   ///< Twips, as `ClientHeight`: the room inside the frame.
+  int ClientHeight;
+  BorderStyle Border = BorderStyle::Sizable;
+  bool MinButton = true;
+  bool MaxButton = true;
+  bool ShowInTaskbar = true;
+  bool CenterScreen = true;
+  int MinWidth = 0;  ///< Smallest outer size, twips.
+  int MinHeight = 0;
+  /// The window shows without taking the keyboard focus from where it is.
+  bool ShowWithoutActivating = false;
+};
+
+/// A window. Its frame counts 120 twips in width and 420 in height, whatever the desktop draws.
+class Form : public Container {
+ public:
+  explicit Form(const FormDesign& design);
+  ~Form() override;
+
+  /// Raises `Form_Load`, once in the window's life.
+  void Load();
+  /// Loads the window if need be and shows it, not modally. Owned windows stay above their owner.
+  void Show(const Form* owner = nullptr);
+  void Hide();
+  /// Closes the window for good. A window given to `ShowNew` is then freed, once no procedure of it
+  /// is running.
+  void Unload();
+
+  std::string Caption() const;
+  void Caption(std::string_view text);
+  /// 0 normal, 1 minimised, 2 maximised.
+  int WindowState() const;
+  void WindowState(int state);
+  /// 1 twips, 3 pixels; the scale of `Form_MouseMove`. Always twips.
+  int ScaleMode() const { return 1; }
+  /// Pops a menu up at the pointer and returns when it is closed and its entry's `Click` has run.
+  void PopupMenu(const Menu& menu);
+
+  virtual void Form_Load() {}
+  /// The window is about to close, by its close box, by `Unload` or by the end of the session.
+  virtual void Form_Unload() {}
+  /// Size or state changed, or the window shows for the first time.
+  virtual void Form_Resize() {}
+  /// The pointer moved over the window's own surface, X in twips; or a tray event.
+  virtual void Form_MouseMove(float X) { static_cast<void>(X); }
+
+ private:
+  struct State;
+  friend struct FormAccess;
+  std::unique_ptr<State> state_;
+};
+
+/// Shows a window that nobody owns: the framework keeps it until it closes, then frees it.
+void ShowNew(std::unique_ptr<Form> form, const Form* owner = nullptr);
+
+struct ScreenInfo {
+  int Width;  ///< Of the primary screen, twips, as `Height`.
+  int Height;
+  int TwipsPerPixelX;
+  int TwipsPerPixelY;
+};
+ScreenInfo Screen();
+
+/// The yield: everything that is pending is processed, each handler running to its end.
+void DoEvents();
+
+inline constexpr int MB_OK = 0;
+inline constexpr int MB_YESNO = 4;
+inline constexpr int MB_ICONQUESTION = 32;
+inline constexpr int MB_ICONINFORMATION = 64;
+inline constexpr int IDOK = 1;
+inline constexpr int IDYES = 6;
+inline constexpr int IDNO = 7;
+
+/// Shows a message box under the application's title and returns the button pressed. Runs events
+/// while it is open. The first button is the default; closing the box by its frame or Esc is "No".
+int MsgBox(const std::string& text, int flags);
+
+/// Brings the window's thread to the foreground.
+int SetForegroundWindow(std::uint32_t window);
+
+/// Activates the top-level window of that title. False when there is none.
+bool AppActivate(const std::string& title);
+
+inline constexpr std::int32_t HWND_TOPMOST = -1;
+
+/// Puts a window into the topmost band, at a place and size in pixels, frame included.
+int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int cx, int cy,
+                 std::uint32_t flags);
+
+}  // namespace platform

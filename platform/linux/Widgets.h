@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QColor>
+#include <QIcon>
+#include <QString>
+#include <QWidget>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "platform/Forms.h"
+
+// What the control implementations share: the way from a handle to its widget and back.
+
+namespace platform {
+
+/// A twip is 1/1440 inch and a device independent pixel 1/96 inch, at any scale of the screen.
+inline constexpr int TwipsPerPixel = 15;
+
+/// To the nearest pixel.
+constexpr int ToPixels(int twips) {
+  return twips >= 0 ? (twips + TwipsPerPixel / 2) / TwipsPerPixel
+                    : (twips - TwipsPerPixel / 2) / TwipsPerPixel;
+}
+constexpr int ToTwips(int pixels) { return pixels * TwipsPerPixel; }
+
+inline QWidget* Widget(NativeWidget* native) { return reinterpret_cast<QWidget*>(native); }
+inline QWidget* Widget(const Control& control) { return Widget(control.Native()); }
+inline NativeWidget* Native(QWidget* widget) { return reinterpret_cast<NativeWidget*>(widget); }
+
+inline QString FromText(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+inline std::string ToText(const QString& text) { return text.toStdString(); }
+
+/// The control that `Control::hWnd` numbered, or none.
+Control* ControlByHandle(std::uint32_t handle);
+
+/// The picture that `Image::Picture` numbered; a null icon for none.
+QIcon PictureByHandle(std::uint32_t handle);
+
+/// A colour that stays readable as text on `background`: `wanted`, or a lighter shade of it.
+QColor ReadableOn(const QColor& wanted, const QColor& background);
+
+}  // namespace platform

@@ -1,0 +1,33 @@
+#include "cookies/CookieDetail.h"
+
+#include <memory>
+#include <optional>
+
+#include "cookies/CookieColumns.h"
+#include "cookies/CookieFileReader.h"
+#include "cookies/FormView.h"
+
+void ShowCookieDetail(platform::ListView& List, const platform::Form& Owner) {
+  if (List.Count() == 0) return;
+  std::string fileName;
+  std::string fileSize;
+  std::string modified;
+  if (const std::optional<platform::ListView::ListItem> row = List.SelectedItem()) {
+    fileName = row->SubItems(CookieFileCell);
+    fileSize = row->SubItems(FileSizeCell);
+    modified = row->SubItems(ModifiedCell);
+  }
+  ReadCookieFile(fileName, fileSize, modified, TargetDetailRows);
+  platform::ShowNew(std::make_unique<FormView>(), &Owner);
+}
+
+std::string DetailText(const std::vector<CookieRow>& Rows) {
+  std::string block;
+  for (const CookieRow& row : Rows) {
+    block += "Cookie name: " + row.CookieName + "\r\n";
+    block += "Value: " + row.CookieValue + "\r\n";
+    block += "Server: " + row.Server + "\r\n";
+    block += "Expire: " + row.ExpireDate + "\r\n\r\n";
+  }
+  return block;
+}

@@ -1,0 +1,116 @@
+#include "cookies/CookieFileReader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <utility>
+
+#include "core/PublicDim.h"
+#include "platform/FileSearch.h"
+#include "platform/Files.h"
+#include "platform/Regional.h"
+
+namespace {
+
+constexpr std::size_t LinesOfRecord = 9;
+constexpr const char* NoDate = "-";
+constexpr unsigned LastYear = 9999;
+
+bool IsDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// The number that a text begins with: blanks, a sign, digits with decimals, an exponent; 0 if
+/// there is none.
+double LeadingNumber(std::string_view text) {
+  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+  const bool negative = text.starts_with('-');
+  if (negative || text.starts_with('+')) text.remove_prefix(1);
+  const std::size_t digit = text.starts_with('.') ? 1 : 0;
+  if (digit >= text.size() || !IsDigit(text[digit])) return 0;
+
+  double number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error == std::errc::result_out_of_range) {
+    // Too large or too small for a double, and from_chars does not say which. A stream does.
+    std::istringstream digits(std::string(text.data(), end));
+    digits.imbue(std::locale::classic());
+    digits >> number;
+  }
+  return negative ? -number : number;
+}
+
+void AppendRecords(const std::vector<std::string_view>& pieces, const std::string& fileName,
+                   const std::string& fileSize, const std::string& modified,
+                   std::vector<CookieRow>& rows) {
+  const std::size_t records = pieces.size() / LinesOfRecord;
+  for (std::size_t r = 0; r < records; ++r) {
+    const std::string_view* line = &pieces[r * LinesOfRecord];
+    std::string_view server = line[2];
+    if (server.ends_with('/')) server.remove_suffix(1);
+    CookieRow& row = rows.emplace_back();
+    row.Server = server;
+    row.CookieName = line[0];
+    row.CookieValue = line[1];
+    row.ExpireDate = ExpireDateText(line[5]);
+    row.CookieFile = fileName;
+    row.FileSize = fileSize;
+    row.Modified = modified;
+  }
+}
+
+}  // namespace
+
+void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
+                    const std::string& Modified, int Target) {
+  platform::InputFile file(PublicDim.CookieDir + FileName);
+  if (!file.IsOpen()) return;
+  // Lines of the file end in LF alone, so what is one line to the platform is the whole content, or
+  // all that stands before the first CR.
+  const std::string content = platform::TextFromCodePage(file.LineInput());
+  const std::vector<std::string_view> pieces = SplitText(content, "\n");
+  if (pieces.size() < LinesOfRecord) return;
+
+  if (Target == TargetCookieRows) {
+    AppendRecords(pieces, FileName, FileSize, Modified, PublicDim.CookieRows);
+  } else {
+    std::vector<CookieRow> rows;
+    AppendRecords(pieces, FileName, FileSize, Modified, rows);
+    PublicDim.DetailRows = std::move(rows);
+  }
+}
+
+std::vector<std::string_view> SplitText(std::string_view Text, std::string_view Delimiter) {
+  constexpr std::size_t UsualPieces = 100;
+  std::vector<std::string_view> pieces;
+  pieces.reserve(UsualPieces);
+  std::size_t position = 0;
+  while (!Delimiter.empty()) {
+    const std::size_t end = Text.find(Delimiter, position);
+    if (end == std::string_view::npos) break;
+    pieces.push_back(Text.substr(position, end - position));
+    position = end + Delimiter.size();
+  }
+  if (position < Text.size()) pieces.push_back(Text.substr(position));
+  return pieces;
+}
+
+std::string ExpireDateText(std::string_view HighWord) {
+  // The default rounding takes a tie to the even neighbour.
+  const double number = std::nearbyint(LeadingNumber(HighWord));
+  if (number < std::numeric_limits<std::int32_t>::min() ||
+      number > std::numeric_limits<std::int32_t>::max()) {
+    return NoDate;
+  }
+  platform::FILETIME expiry;
+  expiry.dwHighDateTime = static_cast<std::uint32_t>(static_cast<std::int32_t>(number));
+  platform::FILETIME& local = PublicDim.FileLocalTime;
+  platform::SYSTEMTIME& date = PublicDim.FileSysTime;
+  if (platform::FileTimeToLocalFileTime(expiry, local) == 0 ||
+      platform::FileTimeToSystemTime(local, date) == 0 || date.wYear > LastYear) {
+    return NoDate;
+  }
+  return platform::Format(date, "YYYY-MM-DD");
+}

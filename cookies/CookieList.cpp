@@ -1,0 +1,40 @@
+#include "cookies/CookieList.h"
+
+#include <cstddef>
+#include <vector>
+
+#include "cookies/CookieColumns.h"
+#include "cookies/CookieFileReader.h"
+#include "cookies/modSortListView.h"
+#include "core/PublicDim.h"
+#include "platform/Forms.h"
+
+void LoadCookieList(platform::ListView& List) {
+  List.Clear();
+  PublicDim.CookieRows = std::vector<CookieRow>(1);
+  if (PublicDim.KnownRows.empty() || PublicDim.KnownRows.front().FileName.empty()) return;
+  for (const CookieFileRow& file : PublicDim.KnownRows) {
+    ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
+  }
+  for (std::size_t i = 1; i < PublicDim.CookieRows.size(); ++i) {
+    AddCookieRow(List, PublicDim.CookieRows[i]);
+  }
+  RestoreSortOrder(List);
+}
+
+void CookieListTick(platform::ListView& List, int WindowState) {
+  if (WindowState == platform::vbMinimized || !PublicDim.CookieListStale) return;
+  if (PublicDim.KnownRows.empty()) return;
+  LoadCookieList(List);
+  PublicDim.CookieListStale = false;
+}
+
+void AddCookieRow(platform::ListView& List, const CookieRow& Row) {
+  platform::ListView::ListItem item = List.Add(Row.Server);
+  item.SubItems(1, Row.ExpireDate);
+  item.SubItems(2, Row.CookieName);
+  item.SubItems(3, Row.CookieValue);
+  item.SubItems(CookieFileCell, Row.CookieFile);
+  item.SubItems(FileSizeCell, Row.FileSize);
+  item.SubItems(ModifiedCell, Row.Modified);
+}

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "core/Rows.h"
+#include "platform/ListView.h"
+
+/// Reads every file of `KnownRows` into `CookieRows` and shows them, in the order that the user
+/// last chose by a column header. Selection and scroll position are lost.
+void LoadCookieList(platform::ListView& List);
+
+/// The tick of `TimerCookie`: rebuilds a stale list unless the window is minimised. Before the
+/// first scan has ended the flag stays raised, so that the first list is still built.
+void CookieListTick(platform::ListView& List, int WindowState);
+
+/// Adds a cookie at the end of one of the two lists.
+void AddCookieRow(platform::ListView& List, const CookieRow& Row);

@@ -17,7 +17,12 @@
 namespace platform {
 
 class Container;
+class Form;
 struct NativeWidget;  // the toolkit's own object; opaque above the platform
+
+/// Colours are 0xRRGGBB; with the high bit set they are the desktop theme's and follow it.
+inline constexpr std::uint32_t vbScrollBars = 0x80000000;
+inline constexpr std::uint32_t vbTitleBarText = 0x80000009;
 
 /// Where a control lies, in twips.
 struct Place {
@@ -57,23 +62,24 @@ class Control {
   void Visible(bool visible);
   bool Enabled() const;
   void Enabled(bool enabled);
-  /// Colour as 0xRRGGBB.
   std::uint32_t BackColor() const;
-  void BackColor(std::uint32_t rgb);
-  void ForeColor(std::uint32_t rgb);
+  void BackColor(std::uint32_t colour);
+  /// The colour of text; in a dark theme a shade of it that can be read.
+  void ForeColor(std::uint32_t colour);
   void FontUnderline(bool underline);
   void SetFocus();
   /// Names the control to `SendMessageA`.
-  std::uint32_t hWnd() const;
+  std::uint32_t hWnd() const { return handle_; }
 
   NativeWidget* Native() const { return native_; }
 
  protected:
   Control(Container& parent, const Design& design, NativeWidget* native);
-  explicit Control(NativeWidget* native) : native_(native) {}
+  explicit Control(NativeWidget* native);
 
  private:
   NativeWidget* native_;
+  std::uint32_t handle_;
 };
 
 /// A control or window that holds controls.
@@ -86,10 +92,8 @@ class CommandButton : public Control {
  public:
   CommandButton(Container& parent, const Design& design);
   std::function<void()> Click;
-  /// Enter presses the button from anywhere in its window.
-  void Default(bool on);
   /// Esc presses the button from anywhere in its window.
-  void Cancel(bool on);
+  void Cancel();
 };
 
 class CheckBox : public Control {
@@ -117,12 +121,12 @@ class Label : public Control {
   Label(Container& parent, const Design& design);
   std::string Caption() const;
   void Caption(std::string_view text);
-  void Centered(bool centered);
-  void WordWrap(bool wrap);
+  void Centered();
+  void WordWrap();
   /// The label takes the size of its text.
-  void AutoSize(bool on);
+  void AutoSize();
   /// The label is a link: pointing hand, reached and pressed by keyboard too.
-  void Link(bool on);
+  void Link();
   std::function<void()> Click;
 };
 
@@ -160,13 +164,16 @@ class Image : public Control {
  public:
   Image(Container& parent, const Design& design, const std::string& resource);
   /// Handle of the picture, for `NOTIFYICONDATA`.
-  std::uint32_t Picture() const;
+  std::uint32_t Picture() const { return picture_; }
+
+ private:
+  std::uint32_t picture_;
 };
 
 /// A straight line from one point to another.
 class Line : public Control {
  public:
-  Line(Container& parent, const Design& design, std::uint32_t rgb);
+  Line(Container& parent, const Design& design, std::uint32_t colour);
 };
 
 /// A strip of tabs; it shows no pages of its own.
@@ -181,7 +188,7 @@ class TabStrip : public Control {
 
 class Timer {
  public:
-  Timer(Container& parent, int intervalMilliseconds, bool enabled);
+  Timer(int intervalMilliseconds, bool enabled);
   Timer(const Timer&) = delete;
   Timer& operator=(const Timer&) = delete;
   ~Timer();
@@ -223,7 +230,7 @@ enum class BorderStyle { Sizable, FixedSingle, FixedDialog };
 struct FormDesign {
   const char* Name;
   const char* Caption;
-  int ClientWidth;   ///< Twips, as `ClientHeight`: the room inside the frame.
+  int ClientWidth;  ///< Twips, as `ClientHeight`: the room inside the frame.
   int ClientHeight;
   BorderStyle Border = BorderStyle::Sizable;
   bool MinButton = true;
@@ -271,7 +278,7 @@ class Form : public Container {
 
  private:
   struct State;
-  friend struct FormAccess;
+  friend void ShowNew(std::unique_ptr<Form> form, const Form* owner);
   std::unique_ptr<State> state_;
 };
 

@@ -1,12 +1,13 @@
 #pragma once
 
+#include <cstdint>
+#include <string>
+#include <string_view>
+
 #include <QColor>
 #include <QIcon>
 #include <QString>
 #include <QWidget>
-#include <cstdint>
-#include <string>
-#include <string_view>
 
 #include "platform/Forms.h"
 

@@ -1,0 +1,96 @@
+#include "platform/Application.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QFont>
+#include <QSessionManager>
+#include <QSocketNotifier>
+#include <QStringList>
+#include <array>
+
+#include "platform/Forms.h"
+#include "platform/linux/Widgets.h"
+
+namespace platform {
+
+const std::string_view PathSeparator = "/";
+const std::string_view ExeSuffix = "";
+
+namespace {
+
+// A signal's handler may do next to nothing, so it only writes a byte; the event loop reads it.
+std::array<int, 2> signalPipe{-1, -1};
+
+void NoteSignal(int) {
+  const char byte = 1;
+  [[maybe_unused]] const ssize_t written = write(signalPipe[1], &byte, 1);
+}
+
+void UnloadOnSignal(Form& form) {
+  if (pipe2(signalPipe.data(), O_CLOEXEC | O_NONBLOCK) != 0) return;
+  auto* notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, qApp);
+  QObject::connect(notifier, &QSocketNotifier::activated, qApp, [&form, notifier] {
+    notifier->setEnabled(false);
+    form.Unload();
+  });
+  struct sigaction action {};
+  action.sa_handler = NoteSignal;
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaction(signal, &action, nullptr);
+}
+
+/// The classic dialog face at 8.25 points is 11 pixels high; the faces named here have its widths.
+QFont DialogFont() {
+  QFont font = QApplication::font();
+  font.setFamilies({"MS Sans Serif", "Microsoft Sans Serif", "Liberation Sans", "Arimo", "Arial",
+                    "Nimbus Sans", "Noto Sans", font.family()});
+  constexpr int EightAndAQuarterPoints = 11;
+  font.setPixelSize(EightAndAQuarterPoints);
+  return font;
+}
+
+/// Popups need a place of their own choosing and a topmost band: X11 or XWayland has both.
+void PreferX11() {
+  if (std::getenv("QT_QPA_PLATFORM") == nullptr && std::getenv("DISPLAY") != nullptr) {
+    setenv("QT_QPA_PLATFORM", "xcb", 1);
+  }
+}
+
+}  // namespace
+
+std::string AppPath() { return ToText(QCoreApplication::applicationDirPath()); }
+
+std::string AppExeName() {
+  return ToText(QFileInfo(QCoreApplication::applicationFilePath()).fileName());
+}
+
+std::string Command() {
+  return ToText(QCoreApplication::arguments().mid(1).join(QLatin1Char(' ')));
+}
+
+int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Form>()>& startUp) {
+  PreferX11();
+  // The wait for a change listens to what Qt's GLib dispatcher waits for.
+  unsetenv("QT_NO_GLIB");
+  QApplication application(argc, argv);
+  QCoreApplication::setApplicationName("Quillmere");
+  QApplication::setFont(DialogFont());
+  QApplication::setQuitOnLastWindowClosed(false);
+
+  const std::unique_ptr<Form> form = startUp();
+  UnloadOnSignal(*form);
+  QObject::connect(
+      &application, &QGuiApplication::commitDataRequest, &application,
+      [&form](QSessionManager&) { form->Unload(); }, Qt::DirectConnection);
+  form->Load();
+  return QApplication::exec();
+}
+
+void End() { std::_Exit(0); }
+
+}  // namespace platform

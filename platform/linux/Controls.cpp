@@ -1,0 +1,464 @@
+#include <algorithm>
+#include <utility>
+
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHash>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QShortcut>
+#include <QStyleOptionFocusRect>
+#include <QStyleOptionTabWidgetFrame>
+#include <QStylePainter>
+#include <QTabBar>
+#include <QTimer>
+
+#include "platform/Forms.h"
+#include "platform/linux/FormWidget.h"
+#include "platform/linux/Widgets.h"
+
+namespace platform {
+
+namespace {
+
+QHash<std::uint32_t, Control*>& Handles() {
+  static QHash<std::uint32_t, Control*> handles;
+  return handles;
+}
+
+QHash<std::uint32_t, QIcon>& Pictures() {
+  static QHash<std::uint32_t, QIcon> pictures;
+  return pictures;
+}
+
+std::uint32_t NextHandle() {
+  static std::uint32_t last = 0;
+  return ++last;
+}
+
+QColor ThemeColour(std::uint32_t colour, const QWidget* widget) {
+  const QPalette palette = widget->window()->palette();
+  switch (colour) {
+    case vbScrollBars:
+      return palette.color(QPalette::Window);
+    case vbTitleBarText:
+      return palette.color(QPalette::Base);
+    default:
+      return QColor::fromRgb(static_cast<QRgb>(colour));
+  }
+}
+
+}  // namespace
+
+Control* ControlByHandle(std::uint32_t handle) { return Handles().value(handle, nullptr); }
+
+QIcon PictureByHandle(std::uint32_t handle) { return Pictures().value(handle); }
+
+QColor ReadableOn(const QColor& wanted, const QColor& background) {
+  constexpr int Middle = 128;
+  constexpr int LightShade = 190;
+  if (background.lightness() >= Middle || wanted.lightness() > Middle) return wanted;
+  return QColor::fromHsl(wanted.hslHue(), wanted.hslSaturation(), LightShade);
+}
+
+// --- Control ---------------------------------------------------------------------------------
+
+Control::Control(NativeWidget* native) : native_(native), handle_(NextHandle()) {
+  Handles().insert(handle_, this);
+}
+
+Control::Control(Container& parent, const Design& design, NativeWidget* native) : Control(native) {
+  QWidget* widget = Widget(native);
+  widget->setObjectName(design.Name);
+  widget->setAccessibleName(design.AccessibleName);
+  Move(design.At);
+  if (design.TabIndex >= 0) {
+    static_cast<FormWidget*>(Widget(parent)->window())->AddTabStop(design.TabIndex, widget);
+  }
+}
+
+Control::~Control() {
+  Handles().remove(handle_);
+  delete Widget(native_);
+}
+
+int Control::Left() const { return ToTwips(Widget(*this)->x()); }
+int Control::Top() const { return ToTwips(Widget(*this)->y()); }
+
+int Control::Width() const {
+  const QWidget* widget = Widget(*this);
+  return ToTwips(widget->width()) + (widget->isWindow() ? FrameWidth : 0);
+}
+
+int Control::Height() const {
+  const QWidget* widget = Widget(*this);
+  return ToTwips(widget->height()) + (widget->isWindow() ? FrameHeight : 0);
+}
+
+void Control::Left(int twips) {
+  QWidget* widget = Widget(*this);
+  widget->move(ToPixels(twips), widget->y());
+}
+
+void Control::Top(int twips) {
+  QWidget* widget = Widget(*this);
+  widget->move(widget->x(), ToPixels(twips));
+}
+
+void Control::Width(int twips) {
+  QWidget* widget = Widget(*this);
+  const int client = twips - (widget->isWindow() ? FrameWidth : 0);
+  widget->resize(std::max(0, ToPixels(client)), widget->height());
+}
+
+void Control::Height(int twips) {
+  QWidget* widget = Widget(*this);
+  const int client = twips - (widget->isWindow() ? FrameHeight : 0);
+  widget->resize(widget->width(), std::max(0, ToPixels(client)));
+}
+
+void Control::Move(const Place& to) {
+  Widget(*this)->setGeometry(ToPixels(to.Left), ToPixels(to.Top), ToPixels(to.Width),
+                             ToPixels(to.Height));
+}
+
+bool Control::Visible() const { return !Widget(*this)->isHidden(); }
+void Control::Visible(bool visible) { Widget(*this)->setVisible(visible); }
+
+bool Control::Enabled() const { return Widget(*this)->isEnabled(); }
+void Control::Enabled(bool enabled) { Widget(*this)->setEnabled(enabled); }
+
+std::uint32_t Control::BackColor() const {
+  const QWidget* widget = Widget(*this);
+  return widget->palette().color(widget->backgroundRole()).rgb() & 0xFFFFFF;
+}
+
+void Control::BackColor(std::uint32_t colour) {
+  QWidget* widget = Widget(*this);
+  const QColor wanted = ThemeColour(colour, widget);
+  widget->setAutoFillBackground(true);
+  const QWidget* holder = widget->parentWidget();
+  const QPalette inherited = holder ? holder->palette() : QPalette();
+  if (inherited.color(widget->backgroundRole()).rgb() == wanted.rgb()) {
+    widget->setPalette(QPalette());  // the colour of what holds it: follows a change of theme
+    return;
+  }
+  QPalette palette = widget->palette();
+  palette.setColor(widget->backgroundRole(), wanted);
+  widget->setPalette(palette);
+}
+
+void Control::ForeColor(std::uint32_t colour) {
+  QWidget* widget = Widget(*this);
+  QPalette palette = widget->palette();
+  palette.setColor(widget->foregroundRole(), ReadableOn(ThemeColour(colour, widget),
+                                                        palette.color(widget->backgroundRole())));
+  widget->setPalette(palette);
+}
+
+void Control::FontUnderline(bool underline) {
+  QFont font = Widget(*this)->font();
+  font.setUnderline(underline);
+  Widget(*this)->setFont(font);
+}
+
+void Control::SetFocus() { Widget(*this)->setFocus(); }
+
+// --- Buttons ---------------------------------------------------------------------------------
+
+CommandButton::CommandButton(Container& parent, const Design& design)
+    : Control(parent, design,
+              ::platform::Native(new QPushButton(FromText(design.Caption), Widget(parent)))) {
+  auto* button = static_cast<QPushButton*>(Widget(*this));
+  QObject::connect(button, &QPushButton::clicked, [this] {
+    if (Click) Click();
+  });
+}
+
+void CommandButton::Cancel() {
+  auto* button = static_cast<QPushButton*>(Widget(*this));
+  auto* shortcut = new QShortcut(QKeySequence(Qt::Key_Escape), button->window());
+  QObject::connect(shortcut, &QShortcut::activated, button, [button] { button->click(); });
+}
+
+CheckBox::CheckBox(Container& parent, const Design& design)
+    : Control(parent, design,
+              ::platform::Native(new QCheckBox(FromText(design.Caption), Widget(parent)))) {
+  QObject::connect(static_cast<QCheckBox*>(Widget(*this)), &QCheckBox::toggled, [this] {
+    if (Click) Click();
+  });
+}
+
+int CheckBox::Value() const { return static_cast<QCheckBox*>(Widget(*this))->isChecked() ? 1 : 0; }
+void CheckBox::Value(int value) { static_cast<QCheckBox*>(Widget(*this))->setChecked(value == 1); }
+
+// --- TextBox ---------------------------------------------------------------------------------
+
+namespace {
+
+class LineEdit : public QLineEdit {
+ public:
+  LineEdit(QWidget* parent, TextBox& owner) : QLineEdit(parent), owner_(owner) {}
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    constexpr int Enter = 13;
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const int code = isEnter ? Enter : event->text().isEmpty() ? 0 : event->text().at(0).unicode();
+    if (code != 0 && owner_.KeyPress) owner_.KeyPress(code);
+    QLineEdit::keyPressEvent(event);
+  }
+
+ private:
+  TextBox& owner_;
+};
+
+NativeWidget* NewTextBox(Container& parent, TextBox& owner, TextBox::Kind kind) {
+  if (kind == TextBox::Kind::OneLine) return Native(new LineEdit(Widget(parent), owner));
+  auto* edit = new QPlainTextEdit(Widget(parent));
+  edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+  edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  edit->setTabChangesFocus(true);
+  return Native(edit);
+}
+
+}  // namespace
+
+TextBox::TextBox(Container& parent, const Design& design, Kind kind)
+    : Control(parent, design, NewTextBox(parent, *this, kind)) {}
+
+std::string TextBox::Text() const {
+  if (const auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) return ToText(line->text());
+  return ToText(static_cast<QPlainTextEdit*>(Widget(*this))->toPlainText());
+}
+
+void TextBox::Text(std::string_view text) {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
+    line->setText(FromText(text));
+    line->setCursorPosition(0);
+  } else {
+    static_cast<QPlainTextEdit*>(Widget(*this))->setPlainText(FromText(text));
+  }
+}
+
+void TextBox::Locked(bool readOnly) {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
+    line->setReadOnly(readOnly);
+  } else {
+    static_cast<QPlainTextEdit*>(Widget(*this))->setReadOnly(readOnly);
+  }
+}
+
+// --- Label -----------------------------------------------------------------------------------
+
+namespace {
+
+class LabelWidget : public QLabel {
+ public:
+  LabelWidget(QWidget* parent, Label& owner) : QLabel(parent), owner_(owner) {
+    setTextFormat(Qt::PlainText);
+    setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  }
+
+ protected:
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) Press();
+  }
+
+  void keyPressEvent(QKeyEvent* event) override {
+    switch (event->key()) {
+      case Qt::Key_Return:
+      case Qt::Key_Enter:
+      case Qt::Key_Space:
+        return Press();
+      default:
+        QLabel::keyPressEvent(event);
+    }
+  }
+
+  void paintEvent(QPaintEvent* event) override {
+    QLabel::paintEvent(event);
+    if (!hasFocus()) return;
+    QStylePainter painter(this);
+    QStyleOptionFocusRect option;
+    option.initFrom(this);
+    painter.drawPrimitive(QStyle::PE_FrameFocusRect, option);
+  }
+
+ private:
+  void Press() {
+    if (owner_.Click) owner_.Click();
+  }
+
+  Label& owner_;
+};
+
+}  // namespace
+
+Label::Label(Container& parent, const Design& design)
+    : Control(parent, design, ::platform::Native(new LabelWidget(Widget(parent), *this))) {
+  Caption(design.Caption);
+}
+
+std::string Label::Caption() const { return ToText(static_cast<QLabel*>(Widget(*this))->text()); }
+void Label::Caption(std::string_view text) {
+  static_cast<QLabel*>(Widget(*this))->setText(FromText(text));
+}
+
+void Label::Centered() {
+  static_cast<QLabel*>(Widget(*this))->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
+}
+
+void Label::WordWrap() { static_cast<QLabel*>(Widget(*this))->setWordWrap(true); }
+
+void Label::AutoSize() { Widget(*this)->adjustSize(); }
+
+void Label::Link() {
+  Widget(*this)->setCursor(Qt::PointingHandCursor);
+  Widget(*this)->setFocusPolicy(Qt::StrongFocus);
+}
+
+// --- ComboBox, panels, pictures ----------------------------------------------------------------
+
+ComboBox::ComboBox(Container& parent, const Design& design, const std::vector<std::string>& items)
+    : Control(parent, design, ::platform::Native(new QComboBox(Widget(parent)))) {
+  auto* combo = static_cast<QComboBox*>(Widget(*this));
+  for (const std::string& item : items) combo->addItem(FromText(item));
+  combo->setCurrentIndex(-1);
+}
+
+int ComboBox::ListIndex() const { return static_cast<QComboBox*>(Widget(*this))->currentIndex(); }
+void ComboBox::ListIndex(int index) {
+  static_cast<QComboBox*>(Widget(*this))->setCurrentIndex(index);
+}
+
+PictureBox::PictureBox(Container& parent, const Design& design)
+    : Container(parent, design, ::platform::Native(new QWidget(Widget(parent)))) {}
+
+Frame::Frame(Container& parent, const Design& design)
+    : Container(parent, design,
+                ::platform::Native(new QGroupBox(FromText(design.Caption), Widget(parent)))) {}
+
+Image::Image(Container& parent, const Design& design, const std::string& resource)
+    : Control(parent, design, ::platform::Native(new QLabel(Widget(parent)))),
+      picture_(NextHandle()) {
+  const QIcon icon(":/assets/" + FromText(resource));
+  Pictures().insert(picture_, icon);
+  auto* label = static_cast<QLabel*>(Widget(*this));
+  label->setPixmap(icon.pixmap(label->size(), label->devicePixelRatioF()));
+}
+
+Line::Line(Container& parent, const Design& design, std::uint32_t colour)
+    : Control(parent, design, ::platform::Native(new QWidget(Widget(parent)))) {
+  Widget(*this)->resize(ToPixels(design.At.Width), std::max(1, ToPixels(design.At.Height)));
+  BackColor(colour);
+}
+
+// --- TabStrip ----------------------------------------------------------------------------------
+
+namespace {
+
+/// A tab bar over an empty pane; the pages are the window's own controls, which lie above it.
+class TabStripWidget : public QWidget {
+ public:
+  explicit TabStripWidget(QWidget* parent) : QWidget(parent), bar_(new QTabBar(this)) {
+    setFocusProxy(bar_);
+    bar_->setExpanding(false);
+    bar_->setUsesScrollButtons(true);
+  }
+
+  QTabBar* Bar() const { return bar_; }
+
+ protected:
+  void resizeEvent(QResizeEvent*) override {
+    bar_->setGeometry(0, 0, width(), bar_->sizeHint().height());
+  }
+
+  void paintEvent(QPaintEvent*) override {
+    QStylePainter painter(this);
+    QStyleOptionTabWidgetFrame option;
+    option.initFrom(this);
+    const int overlap = style()->pixelMetric(QStyle::PM_TabBarBaseOverlap, nullptr, bar_);
+    option.rect = rect().adjusted(0, bar_->height() - overlap, 0, 0);
+    option.tabBarRect = bar_->geometry();
+    option.selectedTabRect = bar_->tabRect(bar_->currentIndex());
+    option.tabBarSize = bar_->size();
+    option.shape = bar_->shape();
+    option.lineWidth = 1;
+    painter.drawPrimitive(QStyle::PE_FrameTabWidget, option);
+  }
+
+ private:
+  QTabBar* bar_;
+};
+
+QTabBar* Bar(const TabStrip& strip) { return static_cast<TabStripWidget*>(Widget(strip))->Bar(); }
+
+}  // namespace
+
+TabStrip::TabStrip(Container& parent, const Design& design, const std::vector<std::string>& tabs)
+    : Control(parent, design, ::platform::Native(new TabStripWidget(Widget(parent)))) {
+  for (const std::string& tab : tabs) Bar(*this)->addTab(FromText(tab));
+  Bar(*this)->setAccessibleName(design.AccessibleName);
+  QObject::connect(Bar(*this), &QTabBar::currentChanged, [this] {
+    Widget(*this)->update();
+    if (Click) Click();
+  });
+}
+
+int TabStrip::SelectedItem() const { return Bar(*this)->currentIndex() + 1; }
+void TabStrip::SelectedItem(int index) { Bar(*this)->setCurrentIndex(index - 1); }
+
+// --- Timer, Menu -------------------------------------------------------------------------------
+
+struct Timer::Native {
+  QTimer Clock;
+};
+
+Timer::Timer(int intervalMilliseconds, bool enabled) : native_(std::make_unique<Native>()) {
+  native_->Clock.setInterval(intervalMilliseconds);
+  QObject::connect(&native_->Clock, &QTimer::timeout, [this] {
+    if (Tick) Tick();
+  });
+  if (enabled) native_->Clock.start();
+}
+
+Timer::~Timer() = default;
+
+bool Timer::Enabled() const { return native_->Clock.isActive(); }
+void Timer::Enabled(bool enabled) {
+  if (enabled) {
+    native_->Clock.start();
+  } else {
+    native_->Clock.stop();
+  }
+}
+
+Menu::Menu(Container& parent, const std::vector<Entry>& entries)
+    : native_(::platform::Native(new QMenu(Widget(parent)))) {
+  auto* menu = static_cast<QMenu*>(Widget(native_));
+  for (const Entry& entry : entries) {
+    if (std::string_view(entry.Caption) == "-") {
+      menu->addSeparator()->setObjectName(entry.Name);
+      continue;
+    }
+    QAction* action = menu->addAction(FromText(entry.Caption));
+    action->setObjectName(entry.Name);
+    QObject::connect(action, &QAction::triggered, [click = entry.Click] {
+      if (click) click();
+    });
+  }
+}
+
+Menu::~Menu() { delete Widget(native_); }
+
+}  // namespace platform

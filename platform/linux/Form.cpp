@@ -1,0 +1,245 @@
+#include <algorithm>
+#include <map>
+#include <utility>
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QPointer>
+#include <QScreen>
+#include <QWindow>
+
+#include "platform/Forms.h"
+#include "platform/linux/FormWidget.h"
+#include "platform/linux/Widgets.h"
+
+namespace platform {
+
+namespace {
+
+Qt::WindowFlags Flags(const FormDesign& design) {
+  Qt::WindowFlags flags = design.ShowInTaskbar ? Qt::Window : Qt::Tool;
+  flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
+           Qt::WindowCloseButtonHint;
+  if (design.MinButton) flags |= Qt::WindowMinimizeButtonHint;
+  if (design.MaxButton) flags |= Qt::WindowMaximizeButtonHint;
+  return flags;
+}
+
+}  // namespace
+
+struct Form::State {
+  FormDesign Design;
+  FormWidget* Window;
+  bool Loaded = false;
+  bool Unloading = false;
+  bool KeptByFramework = false;
+};
+
+/// Frees a window that nobody owns. As a deferred deletion it waits until the stack has come back
+/// to where the window's own procedure was called from.
+class FormReaper : public QObject {
+ public:
+  explicit FormReaper(std::unique_ptr<Form> form) : form_(std::move(form)) {}
+
+ private:
+  std::unique_ptr<Form> form_;
+};
+
+namespace {
+
+std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
+  static std::map<Form*, std::unique_ptr<Form>> forms;
+  return forms;
+}
+
+}  // namespace
+
+FormWidget::FormWidget(Form& form, const FormDesign& design)
+    : QWidget(nullptr, Flags(design)), form_(&form) {
+  setObjectName(design.Name);
+  setWindowTitle(design.Caption);
+  setWindowIcon(QIcon(":/assets/quillmere.ico"));
+  setMouseTracking(true);
+}
+
+void FormWidget::closeEvent(QCloseEvent* event) {
+  // The window goes by Unload alone, so that Form_Unload always runs first.
+  event->ignore();
+  if (form_) form_->Unload();
+}
+
+void FormWidget::resizeEvent(QResizeEvent*) {
+  if (form_) form_->Form_Resize();
+}
+
+void FormWidget::changeEvent(QEvent* event) {
+  if (form_ && event->type() == QEvent::WindowStateChange) form_->Form_Resize();
+  QWidget::changeEvent(event);
+}
+
+void FormWidget::mouseMoveEvent(QMouseEvent* event) {
+  if (!form_) return;
+  form_->Form_MouseMove(static_cast<float>(ToTwips(event->position().toPoint().x())));
+}
+
+void FormWidget::AddTabStop(int index, QWidget* widget) { tabStops_.emplace_back(index, widget); }
+
+void FormWidget::ApplyTabOrder() {
+  std::stable_sort(tabStops_.begin(), tabStops_.end(),
+                   [](const auto& a, const auto& b) { return a.first < b.first; });
+  QWidget* before = nullptr;
+  for (const auto& [index, widget] : tabStops_) {
+    const QWidget* target = widget->focusProxy() ? widget->focusProxy() : widget;
+    if (target->focusPolicy() == Qt::NoFocus) continue;
+    if (before) setTabOrder(before, widget);
+    before = widget;
+  }
+}
+
+Form::Form(const FormDesign& design)
+    : Container(::platform::Native(new FormWidget(*this, design))),
+      state_(std::make_unique<State>()) {
+  state_->Design = design;
+  state_->Window = static_cast<FormWidget*>(Widget(*this));
+  const QSize client(ToPixels(design.ClientWidth), ToPixels(design.ClientHeight));
+  if (design.Border == BorderStyle::Sizable) {
+    state_->Window->setMinimumSize(ToPixels(std::max(0, design.MinWidth - FrameWidth)),
+                                   ToPixels(std::max(0, design.MinHeight - FrameHeight)));
+    state_->Window->resize(client);
+  } else {
+    state_->Window->setFixedSize(client);
+  }
+  state_->Window->setAttribute(Qt::WA_ShowWithoutActivating, design.ShowWithoutActivating);
+}
+
+// The widget goes with the base class; no event of it may find this object half gone.
+Form::~Form() { state_->Window->Forget(); }
+
+void Form::Load() {
+  if (std::exchange(state_->Loaded, true)) return;
+  state_->Window->ApplyTabOrder();
+  if (state_->Design.CenterScreen) {
+    const ScreenInfo screen = Screen();
+    Left((screen.Width - Width()) / 2);
+    Top((screen.Height - Height()) / 2);
+  }
+  Form_Load();
+}
+
+void Form::Show(const Form* owner) {
+  Load();
+  if (state_->Unloading) return;
+  QWidget* window = state_->Window;
+  if (owner) {
+    window->winId();  // makes the native window, which alone can have an owner
+    window->windowHandle()->setTransientParent(Widget(*owner)->windowHandle());
+  }
+  window->show();
+}
+
+void Form::Hide() { state_->Window->hide(); }
+
+void Form::Unload() {
+  if (std::exchange(state_->Unloading, true)) return;
+  Form_Unload();
+  state_->Window->hide();
+  state_->Unloading = false;
+  state_->Loaded = false;
+  if (!state_->KeptByFramework) return;
+  state_->Unloading = true;
+  const auto kept = KeptForms().extract(this);
+  (new FormReaper(std::move(kept.mapped())))->deleteLater();
+}
+
+std::string Form::Caption() const { return ToText(state_->Window->windowTitle()); }
+void Form::Caption(std::string_view text) { state_->Window->setWindowTitle(FromText(text)); }
+
+int Form::WindowState() const {
+  const Qt::WindowStates state = state_->Window->windowState();
+  if (state & Qt::WindowMinimized) return vbMinimized;
+  return (state & Qt::WindowMaximized) ? vbMaximized : vbNormalState;
+}
+
+void Form::WindowState(int state) {
+  const Qt::WindowStates wanted = state == vbMinimized   ? Qt::WindowMinimized
+                                  : state == vbMaximized ? Qt::WindowMaximized
+                                                         : Qt::WindowNoState;
+  state_->Window->setWindowState(wanted);
+}
+
+void Form::PopupMenu(const Menu& menu) {
+  static_cast<QMenu*>(Widget(menu.Native()))->exec(QCursor::pos());
+}
+
+void ShowNew(std::unique_ptr<Form> form, const Form* owner) {
+  Form& kept = *form;
+  kept.state_->KeptByFramework = true;
+  KeptForms().emplace(&kept, std::move(form));
+  kept.Show(owner);
+}
+
+ScreenInfo Screen() {
+  const QSize size = QGuiApplication::primaryScreen()->size();
+  return {ToTwips(size.width()), ToTwips(size.height()), TwipsPerPixel, TwipsPerPixel};
+}
+
+void DoEvents() { QCoreApplication::processEvents(); }
+
+int MsgBox(const std::string& text, int flags) {
+  QWidget* parent = QApplication::activeWindow();
+  QMessageBox box(parent);
+  box.setWindowTitle(QCoreApplication::applicationName());
+  box.setText(FromText(text));
+  box.setIcon(flags & MB_ICONQUESTION      ? QMessageBox::Question
+              : flags & MB_ICONINFORMATION ? QMessageBox::Information
+                                           : QMessageBox::NoIcon);
+  if (flags & MB_YESNO) {
+    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
+  }
+  // Only the window that asks is blocked: popups that open meanwhile can be used.
+  if (parent) box.setWindowModality(Qt::WindowModal);
+  switch (box.exec()) {
+    case QMessageBox::Yes:
+      return IDYES;
+    case QMessageBox::No:
+      return IDNO;
+    default:
+      return IDOK;
+  }
+}
+
+int SetForegroundWindow(std::uint32_t window) {
+  const Control* control = ControlByHandle(window);
+  if (!control) return 0;
+  Widget(*control)->raise();
+  Widget(*control)->activateWindow();
+  return 1;
+}
+
+bool AppActivate(const std::string& title) {
+  const QString wanted = FromText(title);
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (!window->isVisible() || window->windowTitle() != wanted) continue;
+    window->raise();
+    window->activateWindow();
+    return true;
+  }
+  return false;
+}
+
+int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int, int, std::uint32_t) {
+  const Control* control = ControlByHandle(window);
+  if (!control || after != HWND_TOPMOST) return 0;
+  Widget(*control)->setWindowFlag(Qt::WindowStaysOnTopHint);
+  Widget(*control)->move(x, y);
+  return 1;
+}
+
+}  // namespace platform

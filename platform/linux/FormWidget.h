@@ -1,0 +1,40 @@
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include <QWidget>
+
+#include "platform/Forms.h"
+
+namespace platform {
+
+// A window's frame counts this much, in twips, whatever the desktop draws around it, so that
+// layouts come out the same everywhere.
+inline constexpr int FrameWidth = 120;
+inline constexpr int FrameHeight = 420;
+
+/// The widget of a window: hands its events to the window's procedures.
+class FormWidget : public QWidget {
+ public:
+  FormWidget(Form& form, const FormDesign& design);
+
+  /// Notes a control's place in the tab order, over all containers of the window.
+  void AddTabStop(int index, QWidget* widget);
+  void ApplyTabOrder();
+  /// Events that come from now on go nowhere.
+  void Forget() { form_ = nullptr; }
+  Form* Owner() const { return form_; }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+
+ private:
+  Form* form_;
+  std::vector<std::pair<int, QWidget*>> tabStops_;
+};
+
+}  // namespace platform

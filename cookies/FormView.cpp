@@ -1,15 +1,9 @@
 #include "cookies/FormView.h"
 
-#include <cstdint>
-
 #include "cookies/CookieDetail.h"
 #include "core/PublicDim.h"
 
 namespace {
-
-// Both colours are set, so that the boxes can be read whatever the desktop's theme.
-constexpr std::uint32_t ScrollBarGrey = 0xD4D0C8;
-constexpr std::uint32_t Black = 0x000000;
 
 constexpr platform::FormDesign ViewDesign = {.Name = "FormView",
                                              .Caption = "Detail",
@@ -52,8 +46,7 @@ FormView::FormView()
              {.Name = "Label3", .Caption = "Size:", .At = {4050, 585, 345, 195}, .TabIndex = 7}) {
   for (platform::TextBox* box : {&Text1_0, &Text1_1, &Text1_2}) {
     box->Locked(true);
-    box->BackColor(ScrollBarGrey);
-    box->ForeColor(Black);
+    box->BackColor(platform::vbScrollBars);
   }
   Text2.Locked(true);
   Command1.Cancel();

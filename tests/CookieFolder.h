@@ -1,0 +1,52 @@
+#pragma once
+
+#include <filesystem>
+#include <fstream>
+#include <stdlib.h>
+#include <string>
+#include <string_view>
+
+#include "core/PublicDim.h"
+
+/// A record of a cookie file: nine lines, each ended by LF.
+inline std::string Record(std::string_view name, std::string_view value, std::string_view server,
+                          std::string_view highWord = "30000000") {
+  std::string record;
+  for (const std::string_view line :
+       {name, value, server, std::string_view("1536"), std::string_view("2915392512"), highWord,
+        std::string_view("1823712256"), std::string_view("29680011"), std::string_view("*")}) {
+    record.append(line).append("\n");
+  }
+  return record;
+}
+
+/// A real cookie folder, and shared state that is as at the program's start but for it.
+class CookieFolder {
+ public:
+  CookieFolder() {
+    std::string path = std::filesystem::temp_directory_path() / "cookies-XXXXXX";
+    path_ = mkdtemp(path.data());
+    PublicDim = {};
+    PublicDim.CookieDir = path_.string() + "/";
+  }
+  CookieFolder(const CookieFolder&) = delete;
+  CookieFolder& operator=(const CookieFolder&) = delete;
+  ~CookieFolder() { std::filesystem::remove_all(path_); }
+
+  std::filesystem::path Path(std::string_view name) const { return path_ / name; }
+
+  void Write(std::string_view name, std::string_view content) const {
+    std::ofstream(Path(name), std::ios::binary) << content;
+  }
+
+  /// Writes the file and makes it the last one of the baseline.
+  void Add(std::string_view name, std::string_view content, std::string_view sizeText = "136",
+           std::string_view modifiedText = "2004-12-20 10:15:30") const {
+    Write(name, content);
+    PublicDim.KnownRows.push_back(
+        {std::string(name), std::string(sizeText), std::string(modifiedText)});
+  }
+
+ private:
+  std::filesystem::path path_;
+};

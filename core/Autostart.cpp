@@ -22,7 +22,7 @@ bool AutostartEnabled() {
 void EnableAutostart(bool enabled) {
   if (!enabled) return DeleteRegValue(platform::HKEY_CURRENT_USER, RunKey, ValueName);
   CreateRegKey(platform::HKEY_CURRENT_USER, RunKey);
-  WriteRegValue(platform::HKEY_CURRENT_USER, RunKey, ValueName, platform::REG_SZ,
-                PublicDim.AppPath + platform::AppExeName() + std::string(platform::ExeSuffix) +
-                    " /1");
+  WriteRegValue(
+      platform::HKEY_CURRENT_USER, RunKey, ValueName, platform::REG_SZ,
+      PublicDim.AppPath + platform::AppExeName() + std::string(platform::ExeSuffix) + " /1");
 }

@@ -54,12 +54,12 @@ struct PublicVariables {
   platform::HANDLE WatchHandle = 0;
 
   // What keeps two scans apart.
-  bool ScanRunning = false;        ///< A scan is on the stack.
-  bool BaselineReset = false;      ///< The cleaner replaced the snapshots: a scan under way is void.
-  bool WatchOnStack = false;       ///< `CmdStart_Click` is on the stack, first scan or wait loop.
-  bool FirstScanRunning = false;   ///< The scan under way is the one that a watch starts with.
-  bool StartRequested = false;     ///< A start waits for the plain loop or for the old loop to end.
-  bool StopRequested = false;      ///< A stop waits for the end of the first scan.
+  bool ScanRunning = false;       ///< A scan is on the stack.
+  bool BaselineReset = false;     ///< The cleaner replaced the snapshots: a scan under way is void.
+  bool WatchOnStack = false;      ///< `CmdStart_Click` is on the stack, first scan or wait loop.
+  bool FirstScanRunning = false;  ///< The scan under way is the one that a watch starts with.
+  bool StartRequested = false;    ///< A start waits for the plain loop or for the old loop to end.
+  bool StopRequested = false;     ///< A stop waits for the end of the first scan.
 };
 
 inline PublicVariables PublicDim;

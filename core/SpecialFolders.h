@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-/// A shell folder's path, ending in the separator. A folder that can't be resolved is "\" and a path
-/// too long for the shell's buffer "C:\": neither names anything on this machine.
+/// A shell folder's path, ending in the separator. A folder that can't be resolved is "\" and a
+/// path too long for the shell's buffer "C:\": neither names anything on this machine.
 std::string GetSpecialFolderPath(int csidl, std::uint32_t window);
 
 /// Fills the folder variables of `PublicDim` and makes the folders that belong beside the

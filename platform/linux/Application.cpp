@@ -1,5 +1,6 @@
 #include "platform/Application.h"
 
+#include <array>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -12,7 +13,6 @@
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QStringList>
-#include <array>
 
 #include "platform/Forms.h"
 #include "platform/linux/Widgets.h"

@@ -1,0 +1,71 @@
+#include "monitor/WatchControl.h"
+
+#include "core/PublicDim.h"
+#include "monitor/ScanDisk.h"
+#include "monitor/WatchFunc.h"
+
+namespace {
+
+void ShowWatching(const WatchControls& controls, bool watching) {
+  controls.CmdStart.Enabled(!watching);
+  controls.CmdStop.Enabled(watching);
+}
+
+/// One watch from its first scan to its end.
+void RunOneWatch(const WatchControls& controls) {
+  PublicDim.StartRequested = false;
+  PublicDim.StopRequested = false;
+  ShowWatching(controls, true);
+  PublicDim.FirstScanRunning = true;
+  TakeFirstSnapshot();
+  PublicDim.FirstScanRunning = false;
+  if (!PublicDim.StopRequested) return StartWatch(PublicDim.CookieDir);
+  PublicDim.WatchStopping = true;
+  ShowWatching(controls, false);
+}
+
+}  // namespace
+
+void StartClicked(const WatchControls& controls) {
+  if (PublicDim.WatchOnStack || PublicDim.ScanRunning) {
+    PublicDim.StartRequested = true;
+    ShowWatching(controls, true);
+    // The loop of the last watch starts the next one when control comes back to it. Without one,
+    // the scan belongs to a timer's tick, and a watch that ran inside that tick would keep the
+    // timer from ever ticking again.
+    if (!PublicDim.WatchOnStack) controls.TimerStart.Enabled(true);
+    return;
+  }
+  PublicDim.WatchOnStack = true;
+  do {
+    RunOneWatch(controls);
+  } while (PublicDim.StartRequested);
+  PublicDim.WatchOnStack = false;
+}
+
+void StopClicked(const WatchControls& controls) {
+  if (PublicDim.StartRequested) {
+    PublicDim.StartRequested = false;
+    return ShowWatching(controls, false);
+  }
+  if (PublicDim.FirstScanRunning) {
+    PublicDim.StopRequested = true;
+    return;
+  }
+  StopWatch();
+  // A start that came inside the stop's own yield came after a second stop there, and holds.
+  ShowWatching(controls, PublicDim.StartRequested);
+}
+
+void StartTick(const WatchControls& controls) {
+  if (PublicDim.ScanRunning) return;
+  controls.TimerStart.Enabled(false);
+  if (PublicDim.StartRequested) StartClicked(controls);
+}
+
+void CompareTick(ChangeReports& reports) {
+  if (!PublicDim.ChangePending || PublicDim.ScanRunning) return;
+  PublicDim.ChangePending = false;
+  CompareSnapshots(reports);
+  PublicDim.CookieListStale = true;
+}

@@ -1,0 +1,90 @@
+#include "report/ChangeReports.h"
+
+#include "core/PublicDim.h"
+#include "platform/Regional.h"
+#include "report/FormMsg.h"
+#include "report/LogFile.h"
+#include "report/Sound.h"
+
+namespace {
+
+/// A file name as it can stand in a line of text.
+std::string OneLine(const std::string& name) {
+  constexpr char32_t FirstControlPicture = 0x2400;
+  constexpr unsigned char FirstPrintable = 0x20;
+  std::string line;
+  line.reserve(name.size());
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte >= FirstPrintable) {
+      line += c;
+      continue;
+    }
+    const char32_t picture = FirstControlPicture + byte;  // three bytes in UTF-8
+    line += static_cast<char>(0xE0 | (picture >> 12));
+    line += static_cast<char>(0x80 | ((picture >> 6) & 0x3F));
+    line += static_cast<char>(0x80 | (picture & 0x3F));
+  }
+  return line;
+}
+
+std::string AddedOrRemovedLine(const std::string& now, const char* kind, const CookieFileRow& row) {
+  return now + kind + OneLine(row.FileName) + ", " + row.SizeText + " bytes, " + row.ModifiedText;
+}
+
+void RememberFile(const CookieFileRow& row) {
+  PublicDim.MsgCanView = true;
+  PublicDim.MsgFileName = row.FileName;
+  PublicDim.MsgFileSize = row.SizeText;
+  PublicDim.MsgFileModified = row.ModifiedText;
+}
+
+}  // namespace
+
+std::string PresentDateAndTime() { return platform::GeneralDate(platform::Now()); }
+
+std::string ModifiedLine(const std::string& now, const CookieFileRow& before,
+                         const CookieFileRow& after) {
+  return now + " - Cookie file modified: " + OneLine(before.FileName) + " - " + before.SizeText +
+         "bytes " + before.ModifiedText + " => " + after.SizeText + " bytes " + after.ModifiedText;
+}
+
+std::string AddedLine(const std::string& now, const CookieFileRow& row) {
+  return AddedOrRemovedLine(now, " - Cookie file added: ", row);
+}
+
+std::string RemovedLine(const std::string& now, const CookieFileRow& row) {
+  return AddedOrRemovedLine(now, " - Cookie file removed: ", row);
+}
+
+void ReportModified(platform::ListBox& log, const CookieFileRow& before,
+                    const CookieFileRow& after) {
+  if (before.SizeText == after.SizeText && before.ModifiedText == after.ModifiedText) return;
+  const std::string line = ModifiedLine(PresentDateAndTime(), before, after);
+  log.AddItem(line);
+  PublicDim.MsgText = "Cookie file modified\r\n" + before.FileName;
+  // The popup's detail window gets size and time from before the change.
+  RememberFile(before);
+  WriteLogFile(line);
+  ShowChangePopup();
+}
+
+void ReportAdded(platform::ListBox& log, const CookieFileRow& row) {
+  const std::string line = AddedLine(PresentDateAndTime(), row);
+  log.AddItem(line);
+  PublicDim.MsgText = "Cookie file added\r\n" + row.FileName;
+  RememberFile(row);
+  PlaySoundFile(1);
+  WriteLogFile(line);
+  ShowChangePopup();
+}
+
+void ReportRemoved(platform::ListBox& log, const CookieFileRow& row) {
+  const std::string line = RemovedLine(PresentDateAndTime(), row);
+  log.AddItem(line);
+  PublicDim.MsgText = "Cookie file removed\r\n" + row.FileName;
+  PublicDim.MsgCanView = false;
+  PlaySoundFile(2);
+  WriteLogFile(line);
+  ShowChangePopup();
+}

@@ -1,0 +1,72 @@
+#include "report/FormMsg.h"
+
+#include <memory>
+
+#include "cookies/CookieFileReader.h"
+#include "cookies/FormView.h"
+#include "core/PublicDim.h"
+
+namespace {
+
+constexpr platform::FormDesign Popup{.Name = "FormMsg",
+                                     .Caption = "Quillmere",
+                                     .ClientWidth = 3435,
+                                     .ClientHeight = 1365,
+                                     .Border = platform::BorderStyle::FixedDialog,
+                                     .MinButton = false,
+                                     .MaxButton = false,
+                                     .ShowInTaskbar = false,
+                                     .CenterScreen = false,
+                                     .ShowWithoutActivating = true};
+constexpr int TickMilliseconds = 1000;
+constexpr int LastTick = 5;
+constexpr int RightMargin = 35;    // twips to the screen's right edge
+constexpr int BottomMargin = 450;  // twips to its bottom edge
+constexpr std::uint32_t Blue = 0x0000FF;
+
+}  // namespace
+
+FormMsg::FormMsg()
+    : Form(Popup),
+      Label1(*this,
+             {.Name = "Label1", .Caption = "Msg", .At = {180, 165, 3045, 630}, .TabIndex = 0}),
+      CmdClose(
+          *this,
+          {.Name = "CmdClose", .Caption = "&Close", .At = {1890, 840, 960, 360}, .TabIndex = 1}),
+      CmdView(*this,
+              {.Name = "CmdView", .Caption = "&View", .At = {585, 840, 960, 360}, .TabIndex = 2}),
+      Timer1(TickMilliseconds, true) {
+  Label1.Centered();
+  Label1.WordWrap();
+  Label1.ForeColor(Blue);
+  CmdClose.Click = [this] { CmdClose_Click(); };
+  CmdView.Click = [this] { CmdView_Click(); };
+  Timer1.Tick = [this] { Timer1_Timer(); };
+}
+
+void FormMsg::Form_Load() {
+  const platform::ScreenInfo screen = platform::Screen();
+  platform::SetWindowPos(hWnd(), platform::HWND_TOPMOST, Left() / screen.TwipsPerPixelX,
+                         Top() / screen.TwipsPerPixelY, Width() / screen.TwipsPerPixelX,
+                         Height() / screen.TwipsPerPixelY, 0);
+  Label1.Caption(PublicDim.MsgText);
+  Ticks = 0;
+  Left(screen.Width - Width() - RightMargin);
+  Top(screen.Height - Height() - BottomMargin);
+  if (!PublicDim.MsgCanView) CmdView.Enabled(false);
+}
+
+void FormMsg::Timer1_Timer() {
+  Ticks += 1;
+  if (Ticks > LastTick) Unload();
+}
+
+void FormMsg::CmdView_Click() {
+  ReadCookieFile(PublicDim.MsgFileName, PublicDim.MsgFileSize, PublicDim.MsgFileModified, 2);
+  Unload();
+  platform::ShowNew(std::make_unique<FormView>());
+}
+
+void ShowChangePopup() {
+  if (PublicDim.MsgEnabled) platform::ShowNew(std::make_unique<FormMsg>());
+}

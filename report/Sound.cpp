@@ -1,0 +1,27 @@
+#include "report/Sound.h"
+
+#include <string>
+
+#include "core/PublicDim.h"
+#include "platform/Sound.h"
+
+namespace {
+
+bool& OptionOf(int which) { return which == 1 ? PublicDim.PlaySound1 : PublicDim.PlaySound2; }
+
+}  // namespace
+
+void PlaySoundFile(int which) {
+  if (!OptionOf(which)) return;
+  const std::string device = '"' + PublicDim.SoundDir + (which == 1 ? "1.wav" : "2.wav") + '"';
+  for (const char* command : {"close ", "open ", "play "}) {
+    platform::mciSendStringA(command + device, nullptr, 0, 0);
+  }
+}
+
+void PlaySoundRegardless(int which) {
+  const bool remembered = OptionOf(which);
+  OptionOf(which) = true;
+  PlaySoundFile(which);
+  OptionOf(which) = remembered;
+}

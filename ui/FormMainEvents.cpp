@@ -1,0 +1,243 @@
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "cleaner/Cleaner.h"
+#include "cookies/CookieDetail.h"
+#include "cookies/CookieList.h"
+#include "cookies/CookieSearch.h"
+#include "cookies/DeleteCookieFiles.h"
+#include "core/Autostart.h"
+#include "core/PublicDim.h"
+#include "core/SettingsFile.h"
+#include "core/SpecialFolders.h"
+#include "monitor/WatchFunc.h"
+#include "platform/Application.h"
+#include "platform/Shell.h"
+#include "report/ChangeReports.h"
+#include "report/Sound.h"
+#include "ui/FormMain.h"
+#include "ui/MainLayout.h"
+
+// The main window's event procedures.
+
+namespace {
+
+constexpr int EnterKey = 13;
+constexpr int RightButton = 2;
+constexpr int CookieNameField = 2;  // entry of Combo1
+
+std::string_view Trimmed(std::string_view text) {
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(' ') - first + 1);
+}
+
+}  // namespace
+
+// --- Birth and death -----------------------------------------------------------------------------
+
+void FormMain::Form_Load() {
+  const std::string command = platform::Command();
+  if (Trimmed(command) == "/1") StartHidden = true;
+  ResolveFolders(hWnd());
+  LoadConfig();
+  InitMainWindow();
+  Combo1.ListIndex(CookieNameField);
+  SetListStyle();
+  TabStrip1_Click();
+  PublicDim.CookieListStale = true;
+  Show();
+  FillTrayIconData();
+  platform::Shell_NotifyIconA(platform::NIM_ADD, PublicDim.TrayIconData);
+  if (StartHidden) {
+    Hide();
+  } else {
+    Show();
+  }
+  CmdStart_Click();
+}
+
+void FormMain::FillTrayIconData() {
+  platform::NOTIFYICONDATA& data = PublicDim.TrayIconData;
+  data.cbSize = sizeof data;
+  data.hWnd = hWnd();
+  data.uID = 1;
+  data.uFlags = platform::NIF_MESSAGE | platform::NIF_ICON | platform::NIF_TIP;
+  data.uCallbackMessage = platform::WM_MOUSEMOVE;
+  data.hIcon = Image1.Picture();
+  constexpr std::string_view Tip = "Quillmere";
+  data.szTip.fill(' ');
+  *std::copy(Tip.begin(), Tip.end(), data.szTip.begin()) = '\0';
+}
+
+void FormMain::Form_Unload() {
+  if (!PublicDim.WatchStopping) StopWatch();
+  SaveConfig();
+  platform::Shell_NotifyIconA(platform::NIM_DELETE, PublicDim.TrayIconData);
+  platform::End();
+}
+
+// --- The window
+// ------------------------------------------------------------------------------------
+
+void FormMain::InitMainWindow() {
+  ListLog.Top(TabStrip1.Top() + 435);
+  ListLog.Left(TabStrip1.Left() + 120);
+  ListVCookie.Top(ListLog.Top());
+  ListVCookie.Left(ListLog.Left());
+  Picture1.Top(TabStrip1.Top() + 375);
+  Picture1.Left(TabStrip1.Left() + 90);
+  for (platform::PictureBox* panel : {&Picture2, &Picture3, &Picture4}) {
+    panel->Top(Picture1.Top());
+    panel->Left(Picture1.Left());
+  }
+  for (platform::PictureBox* panel : {&Picture1, &Picture2, &Picture3, &Picture4}) {
+    panel->BackColor(BackColor());
+  }
+  if (!PublicDim.SaveLog) CheckLog.Value(1);
+  if (PublicDim.ToTray) CheckTray.Value(1);
+  if (PublicDim.PlaySound1) ChkSound1.Value(1);
+  if (PublicDim.PlaySound2) ChkSound2.Value(1);
+  if (AutostartEnabled()) CheckStart.Value(1);
+}
+
+void FormMain::SetListStyle() {
+  for (platform::ListView* list : {&ListVCookie, &ListVSearch}) {
+    SetExtendedListStyle(*list, platform::LVS_EX_FULLROWSELECT);
+    SetExtendedListStyle(*list, platform::LVS_EX_GRIDLINES);
+  }
+}
+
+void FormMain::HideAllPanels() {
+  ListLog.Visible(false);
+  ListVCookie.Visible(false);
+  for (platform::PictureBox* panel : {&Picture1, &Picture2, &Picture3, &Picture4}) {
+    panel->Visible(false);
+  }
+}
+
+void FormMain::TabStrip1_Click() {
+  HideAllPanels();
+  platform::Control* const pages[] = {&ListLog,  &ListVCookie, &Picture1,
+                                      &Picture2, &Picture3,    &Picture4};
+  pages[TabStrip1.SelectedItem() - 1]->Visible(true);
+}
+
+void FormMain::Form_Resize() {
+  if (PublicDim.ToTray && WindowState() == platform::vbMinimized) Hide();
+  if (WindowState() == platform::vbMinimized) return;
+  if (Width() < MinMainWidth) Width(MinMainWidth);
+  if (Height() < MinMainHeight) Height(MinMainHeight);
+
+  const MainLayout layout = LayOut(Width(), Height(), TabStrip1.Left(), TabStrip1.Top());
+  const auto size = [](platform::Control& control, const MainLayout::Size& to) {
+    control.Width(to.Width);
+    control.Height(to.Height);
+  };
+  size(TabStrip1, layout.TabStrip1);
+  size(ListLog, layout.Lists);
+  size(ListVCookie, layout.Lists);
+  size(Picture1, layout.Panels);
+  size(ListVSearch, layout.SearchList);
+  size(Picture2, layout.Panels);
+  size(Frame1, layout.Lists);
+  size(Picture3, layout.Panels);
+  size(Picture4, layout.Panels);
+}
+
+// --- The tray
+// --------------------------------------------------------------------------------------
+
+void FormMain::Form_MouseMove(float X) {
+  const float pixels =
+      ScaleMode() == 3 ? X : X / static_cast<float>(platform::Screen().TwipsPerPixelX);
+  switch (static_cast<std::uint32_t>(std::lrint(pixels))) {
+    case platform::WM_LBUTTONUP:
+    case platform::WM_LBUTTONDBLCLK:
+      return Menu_Show_Click();
+    case platform::WM_RBUTTONUP:
+      platform::SetForegroundWindow(hWnd());
+      return PopupMenu(MenuPopup);
+    default:
+      return;
+  }
+}
+
+void FormMain::Menu_Show_Click() {
+  WindowState(platform::vbNormalState);
+  platform::SetForegroundWindow(hWnd());
+  Show();
+  platform::AppActivate("Quillmere");
+}
+
+void FormMain::Menu_Exit_Click() { Unload(); }
+
+// --- The watch
+// -------------------------------------------------------------------------------------
+
+void FormMain::CmdStart_Click() { StartClicked(Watch()); }
+void FormMain::CmdStop_Click() { StopClicked(Watch()); }
+void FormMain::TimerStart_Timer() { StartTick(Watch()); }
+void FormMain::TimerCompare_Timer() { CompareTick(*this); }
+
+void FormMain::ReportModified(std::size_t oldRow, std::size_t newRow) {
+  ::ReportModified(ListLog, PublicDim.KnownRows[oldRow], PublicDim.CurrentRows[newRow]);
+}
+
+void FormMain::ReportAdded(std::size_t newRow) {
+  ::ReportAdded(ListLog, PublicDim.CurrentRows[newRow]);
+}
+
+void FormMain::ReportRemoved(std::size_t oldRow) {
+  ::ReportRemoved(ListLog, PublicDim.KnownRows[oldRow]);
+}
+
+// --- The cookie lists
+// ------------------------------------------------------------------------------
+
+void FormMain::TimerCookie_Timer() { CookieListTick(ListVCookie, WindowState()); }
+
+void FormMain::CmdSearch_Click() { SearchCookies(TextSearch, Combo1.ListIndex(), ListVSearch); }
+
+void FormMain::TextSearch_KeyPress(int KeyAscii) {
+  if (KeyAscii == EnterKey) CmdSearch_Click();
+}
+
+void FormMain::ViewDetail(platform::ListView& list) { ShowCookieDetail(list, *this); }
+
+void FormMain::DeleteSelected(platform::ListView& list) { DeleteSelectedCookieFiles(list); }
+
+void FormMain::List_KeyPress(platform::ListView& list, int KeyAscii) {
+  if (KeyAscii == EnterKey) ViewDetail(list);
+}
+
+void FormMain::List_MouseUp(platform::ListView& list, platform::Menu& menu, int Button) {
+  if (list.Count() > 0 && Button == RightButton) PopupMenu(menu);
+}
+
+// --- Tools, sound, options, information
+// --------------------------------------------------------------
+
+void FormMain::CmdClean_Click() {
+  Clean({.Cookies = Check1.Value() == 1,
+         .RecentDocuments = Check2.Value() == 1,
+         .RecycleBin = Check3.Value() == 1},
+        ListLog, hWnd());
+}
+
+void FormMain::CmdSound1_Click() { PlaySoundRegardless(1); }
+void FormMain::CmdSound2_Click() { PlaySoundRegardless(2); }
+
+void FormMain::ChkSound1_Click() { PublicDim.PlaySound1 = ChkSound1.Value() == 1; }
+void FormMain::ChkSound2_Click() { PublicDim.PlaySound2 = ChkSound2.Value() == 1; }
+void FormMain::CheckLog_Click() { PublicDim.SaveLog = CheckLog.Value() != 1; }
+void FormMain::CheckTray_Click() { PublicDim.ToTray = CheckTray.Value() == 1; }
+void FormMain::CheckStart_Click() { EnableAutostart(CheckStart.Value() == 1); }
+
+void FormMain::CmdHelp_Click() {
+  platform::HtmlHelpA(hWnd(), PublicDim.AppPath + "help.chm", platform::HH_DISPLAY_TOPIC, 0);
+}
+
+void FormMain::CmdAbout_Click() { About.Show(this); }

@@ -1,0 +1,353 @@
+"""A desktop of its own for each test file, and the program on it, used as a person uses it.
+
+What is on the screen is read through the accessibility bus; mouse and keyboard are real ones of the
+X server. Nothing here sleeps for a fixed time: `wait_until` looks until a thing holds.
+"""
+
+import contextlib
+import os
+import re
+import shutil
+import signal
+import subprocess
+import tempfile
+import time
+import unittest
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+APP = Path(os.environ.get("QUILLMERE_APP_DIR", ROOT / "build/app"))
+SCREENS = Path(os.environ.get("QUILLMERE_SCREENS", ROOT / "build/screens"))
+# Sanitizers and busy machines: every time limit is multiplied by it.
+PATIENCE = float(os.environ.get("QUILLMERE_PATIENCE", "1"))
+TWIPS_PER_PIXEL = 15
+
+
+def wait_until(condition, what, seconds=15):
+    """Returns the first true value of `condition()`."""
+    end = time.monotonic() + seconds * PATIENCE
+    while not (value := condition()):
+        if time.monotonic() > end:
+            raise AssertionError(f"waited {seconds * PATIENCE:.0f} s in vain: {what}")
+        time.sleep(0.02)
+    return value
+
+
+def run(*command):
+    return subprocess.run([str(word) for word in command], check=True, capture_output=True,
+                          text=True, timeout=60 * PATIENCE).stdout
+
+
+def end_process(process, seconds=10):
+    """Ends a process and those that it started; all of them are in a session of their own."""
+    for number in (signal.SIGTERM, signal.SIGKILL):
+        with contextlib.suppress(ProcessLookupError):
+            os.killpg(process.pid, number)
+        with contextlib.suppress(subprocess.TimeoutExpired):
+            return process.wait(seconds)
+
+
+class Desktop:
+    """X server, session bus, window manager and accessibility bus. One a process: the
+    accessibility client keeps to the bus that it met first."""
+
+    def __init__(self, window_manager=True):
+        self.home = Path(tempfile.mkdtemp(prefix="quillmere-desktop-"))
+        self.processes = []
+        for name in ("config/pulse", "data", "cache", "runtime"):
+            (self.home / name).mkdir(parents=True)
+        (self.home / "runtime").chmod(0o700)
+        (self.home / "config/pulse/client.conf").write_text("autospawn = no\n")
+        self.env = {
+            "PATH": os.environ["PATH"],
+            "HOME": str(self.home),
+            "USER": os.environ.get("USER", "nobody"),
+            "XDG_CONFIG_HOME": str(self.home / "config"),
+            "XDG_DATA_HOME": str(self.home / "data"),
+            "XDG_CACHE_HOME": str(self.home / "cache"),
+            "XDG_RUNTIME_DIR": str(self.home / "runtime"),
+            "GSETTINGS_BACKEND": "memory",
+            "NO_AT_BRIDGE": "0",
+            "LANG": "C.UTF-8",
+        }
+        self.env["DISPLAY"] = ":" + self._answer(
+            "Xvfb", "-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp")
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = self._answer(
+            "dbus-daemon", "--session", "--nofork", "--print-address")
+        self.start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately")
+        os.environ.update(self.env)
+        wait_until(lambda: "org.a11y.Bus" in run(
+            "dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
+            "org.freedesktop.DBus.ListNames"), "the accessibility bus")
+        if window_manager:
+            self.start("openbox", "--sm-disable")
+            wait_until(lambda: "window id #" in run(
+                "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+
+    def start(self, *command, **options):
+        options.setdefault("stdout", subprocess.DEVNULL)
+        options.setdefault("stderr", subprocess.DEVNULL)
+        options.setdefault("env", self.env)
+        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, start_new_session=True,
+                                   **options)
+        self.processes.append(process)
+        return process
+
+    def _answer(self, *command):
+        process = self.start(*command, stdout=subprocess.PIPE, text=True)
+        return process.stdout.readline().strip()
+
+    def close(self):
+        for process in reversed(self.processes):
+            end_process(process)
+            if process.stdout:
+                process.stdout.close()
+        shutil.rmtree(self.home, ignore_errors=True)
+
+    def screenshot(self, name):
+        SCREENS.mkdir(parents=True, exist_ok=True)
+        run("import", "-silent", "-window", "root", SCREENS / f"{name}.png")
+
+
+class Control:
+    """One thing on the screen, as the accessibility bus tells of it."""
+
+    def __init__(self, accessible):
+        self.accessible = accessible
+
+    name = property(lambda self: self.accessible.get_name())
+    role = property(lambda self: self.accessible.get_role_name())
+
+    def children(self):
+        count = self.accessible.get_child_count()
+        found = (self.accessible.get_child_at_index(number) for number in range(count))
+        return [Control(child) for child in found if child]
+
+    def has(self, state):
+        return state in {each.value_nick for each in self.accessible.get_state_set().get_states()}
+
+    enabled = property(lambda self: self.has("enabled"))
+    showing = property(lambda self: self.has("showing"))
+    checked = property(lambda self: self.has("checked"))
+
+    def place(self):
+        """Left, top, width and height on the screen, in pixels."""
+        from gi.repository import Atspi
+        extents = self.accessible.get_extents(Atspi.CoordType.SCREEN)
+        return extents.x, extents.y, extents.width, extents.height
+
+    def click(self, button=1):
+        left, top, width, height = self.place()
+        run("xdotool", "mousemove", left + width // 2, top + height // 2, "click", button)
+
+    def press(self):
+        """Presses without the mouse, wherever the control lies and whatever covers it."""
+        self.accessible.get_action_iface().do_action(0)
+
+    def rows(self):
+        """The texts of a list's lines or, as lists, of a table's cells."""
+        if self.role == "list":
+            return [child.name for child in self.children()]
+        table = self.accessible.get_table_iface()
+        columns = range(table.get_n_columns())
+        return [[table.get_accessible_at(row, column).get_name() for column in columns]
+                for row in range(table.get_n_rows())]
+
+
+LISTS = {"list", "tree", "table", "tree table", "menu bar", "combo box"}
+
+
+class Program:
+    """One run of the program: a portable copy of it, a cookie folder of its own."""
+
+    def __init__(self, desktop, switch=(), config=None, env=(), accessible=True):
+        self.desktop = desktop
+        self.folder = Path(tempfile.mkdtemp(prefix="run-", dir=desktop.home)) / "app"
+        shutil.copytree(APP, self.folder, ignore=lambda folder, names: [
+            name for name in names if Path(folder) == APP and name in ("log", "config.ini")])
+        if config is not None:
+            (self.folder / "config.ini").write_bytes(config)
+        self.switch = switch
+        self.env = {
+            **desktop.env,
+            "XDG_DATA_HOME": str(self.folder.parent / "data"),
+            "XDG_CONFIG_HOME": str(self.folder.parent / "config"),
+            "LANG": "en_US.UTF-8",
+            "TZ": "IST-5:30",
+            "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1" if accessible else "0",
+            **dict(env),
+        }
+        shutil.copytree(desktop.home / "config/pulse", self.folder.parent / "config/pulse")
+        self.cookies = self.folder.parent / "data/quillmere/cookies"
+        self.cookies.mkdir(parents=True)
+        self.process = None
+        self.window = None
+
+    def start(self):
+        """Starts it and waits until it watches."""
+        self.errors = open(self.folder.parent / "stderr", "w")
+        self.process = self.desktop.start(str(self.folder / "quillmere"), *self.switch,
+                                          env=self.env, stderr=self.errors)
+        wait_until(self.watching, "the watch to begin", 30)
+        return self
+
+    def watching(self):
+        """Whether the kernel is asked for news of the cookie folder."""
+        if self.process.poll() is not None:
+            raise AssertionError(f"the program ended with {self.process.returncode}: "
+                                 + (self.folder.parent / "stderr").read_text())
+        folder = f"ino:{self.cookies.stat().st_ino:x} "
+        for info in Path(f"/proc/{self.process.pid}/fdinfo").iterdir():
+            with contextlib.suppress(FileNotFoundError):
+                if any(line.startswith("inotify ") and folder in line
+                       for line in info.read_text().splitlines()):
+                    return True
+        return False
+
+    # The window, as the X server and the window manager know it.
+
+    def find_window(self):
+        """The main window's number; popups carry the same title and are smaller."""
+        if not self.window:
+            def largest():
+                found = subprocess.run(
+                    ["xdotool", "search", "--all", "--pid", str(self.process.pid), "--name",
+                     "^Quillmere$"], capture_output=True, text=True).stdout.split()
+                sizes = {}
+                for number in found:
+                    with contextlib.suppress(subprocess.CalledProcessError):
+                        sizes[number] = self.geometry(number)[2]
+                best = max(sizes, key=sizes.get, default=None)
+                return best if best and sizes[best] >= 500 else None
+            self.window = wait_until(largest, "the main window")
+        return self.window
+
+    def geometry(self, window=None):
+        """Left, top, width and height of the window without its frame, in pixels."""
+        text = run("xdotool", "getwindowgeometry", "--shell", window or self.find_window())
+        values = dict(line.split("=") for line in text.splitlines())
+        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+
+    def mapped(self):
+        return "Map State: IsViewable" in run("xwininfo", "-id", self.find_window())
+
+    def window_states(self):
+        return run("xprop", "-id", self.find_window(), "_NET_WM_STATE", "WM_STATE")
+
+    def frame(self):
+        """Left, right, top and bottom of what the window manager draws around the window."""
+        text = run("xprop", "-id", self.find_window(), "_NET_FRAME_EXTENTS")
+        return tuple(int(value) for value in re.findall(r"\d+", text))
+
+    def activate(self):
+        run("xdotool", "windowactivate", "--sync", self.find_window())
+
+    def close(self):
+        """Closes the window as its close box does, and waits for the end."""
+        self.activate()
+        run("xdotool", "key", "alt+F4")
+        return self.process.wait(20 * PATIENCE)
+
+    def end(self):
+        """Ends the program in the orderly way, from outside."""
+        self.process.terminate()
+        return self.process.wait(20 * PATIENCE)
+
+    def kill(self):
+        if self.process:
+            end_process(self.process)
+            self.errors.close()
+
+    @contextlib.contextmanager
+    def paused(self):
+        """The program stands still: what happens meanwhile is one change to it."""
+        self.process.send_signal(signal.SIGSTOP)
+        try:
+            yield
+        finally:
+            self.process.send_signal(signal.SIGCONT)
+
+    # The window, as a screen reader sees it.
+
+    def application(self):
+        import gi
+        gi.require_version("Atspi", "2.0")
+        from gi.repository import Atspi, GLib
+        Atspi.set_timeout(int(20000 * PATIENCE), int(20000 * PATIENCE))
+        while GLib.MainContext.default().iteration(False):
+            pass
+        desktop = Atspi.get_desktop(0)
+        desktop.clear_cache()
+        for number in range(desktop.get_child_count()):
+            child = desktop.get_child_at_index(number)
+            with contextlib.suppress(GLib.Error):
+                if child and child.get_process_id() == self.process.pid:
+                    child.set_cache_mask(Atspi.Cache.NONE)
+                    return Control(child)
+        return None
+
+    def controls(self, role, name):
+        def below(control):
+            for child in control.children():
+                if child.role == role and child.name == name:
+                    yield child
+                if child.role not in LISTS:
+                    yield from below(child)
+        return below(self.application())
+
+    def control(self, role, name):
+        """The control of that role and name; the first one where there are several."""
+        def first():
+            return self.application() and next(self.controls(role, name), None)
+        return wait_until(first, f"{role} '{name}'")
+
+    def button(self, caption):
+        return self.control("push button", caption)
+
+    def check_box(self, caption):
+        return self.control("check box", caption)
+
+    def select_tab(self, caption):
+        tab = self.control("page tab", caption)
+        tab.click()
+        # The toolkit tells of the selected tab by this state.
+        wait_until(lambda: tab.has("focused"), f"tab '{caption}'")
+
+    def log_lines(self):
+        """What the on-screen log shows."""
+        return self.control("list", "Log").rows()
+
+    def log_file(self):
+        """Everything in the log files, oldest first, as bytes."""
+        return b"".join(path.read_bytes() for path in sorted((self.folder / "log").glob("*.txt")))
+
+    def wait_for_log(self, count, seconds=15):
+        """Waits for so many lines in the log file and returns all that are there."""
+        wait_until(lambda: self.log_file().count(b"\r\n") >= count, f"{count} log lines", seconds)
+        return self.log_file().decode("utf-8", "surrogateescape").splitlines()
+
+
+SAVE_LOG = b"SaveLog=True\r\nToTray=True\r\nPlaySound1=False\r\nPlaySound2=False\r\n"
+
+
+class DesktopTest(unittest.TestCase):
+    """A test file's desktop, and programs that end with their test."""
+
+    window_manager = True
+
+    @classmethod
+    def setUpClass(cls):
+        cls.desktop = Desktop(cls.window_manager)
+        cls.addClassCleanup(cls.desktop.close)
+
+    def program(self, **options):
+        program = Program(self.desktop, **options)
+        self.addCleanup(program.kill)
+        return program
+
+    def started(self, **options):
+        return self.program(**options).start()
+
+
+def main():
+    unittest.main(warnings="ignore", verbosity=2)

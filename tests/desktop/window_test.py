@@ -2,6 +2,7 @@
 
 from harness import LISTS, TWIPS_PER_PIXEL, DesktopTest, main, run, wait_until
 
+COOKIE = b"id\n42\nshop.example/\n0\n0\n30000000\n0\n0\n*\n"
 CLIENT = (8025, 3810)
 PAGE = (2040, 555)   # the panels
 FRAME = (2070, 600)  # "Cleaner" on its panel
@@ -26,8 +27,8 @@ TABS = {
     "Search": [
         ("tree", "Search results", on(PAGE, 45, 495, 5775, 2580)),
         ("label", "Search", on(PAGE, 60, 90, 510, 195)),
-        ("text", None, on(PAGE, 675, 75, 1575, 285)),
-        ("combo box", None, on(PAGE, 2565, 75, 1920, 315)),
+        ("text", "Search for", on(PAGE, 675, 75, 1575, 285)),
+        ("combo box", "Search in", on(PAGE, 2565, 75, 1920, 315)),
         ("label", "in", on(PAGE, 2325, 90, 120, 195)),
         ("push button", "Search", on(PAGE, 4545, 90, 900, 315)),
     ],
@@ -50,7 +51,7 @@ TABS = {
         ("check box", "Minimize to system tray", on(PAGE, 135, 1095, 2415, 285)),
     ],
 }
-ALL_PAGES = {(role, name) for page in TABS.values() for role, name, _ in page if name}
+ALL_PAGES = {(role, name) for page in TABS.values() for role, name, _ in page}
 MINIMUM = tuple(side // TWIPS_PER_PIXEL for side in CLIENT)
 
 
@@ -67,9 +68,9 @@ class WindowTest(DesktopTest):
             others = ALL_PAGES - {(role, name) for role, name, _ in page}
             self.assertEqual(names & others, set())
             for role, name, place in BUTTONS + STRIP + page:
-                with self.subTest(picture=picture, tab=tab, name=name or role):
-                    control = next((each for each in showing if each.role == role
-                                    and name in (None, each.name)), None)
+                with self.subTest(picture=picture, tab=tab, name=name):
+                    control = next((each for each in showing
+                                    if (each.role, each.name) == (role, name)), None)
                     self.assertIsNotNone(control, f"no {role} '{name}'")
                     expected = [twips / TWIPS_PER_PIXEL for twips in place]
                     if name in GROWING:
@@ -143,12 +144,14 @@ class WindowTest(DesktopTest):
         wait_until(lambda: not program.mapped(), "the window to be minimised")
         self.assertIn("Iconic", program.window_states())
         self.assertIn(f"{int(window):#x}", self.client_list())
-        (program.cookies / "new.txt").touch()
+        (program.cookies / "new.txt").write_bytes(COOKIE)
         wait_until(program.log_lines, "the report of a minimised window")
-        self.assertEqual(program.control("tree", "Cookies").rows(), [])
         program.activate()
         wait_until(program.mapped, "the window to come back")
-        self.assertEqual(program.geometry(), place)
+        wait_until(lambda: program.geometry() == place, "its old place")
+        cookies = program.control("tree", "Cookies")
+        wait_until(lambda: [(row[0], row[2]) for row in cookies.rows()]
+                   == [("shop.example", "id")], "the new cookie in the list")
 
     def test_minimised_to_the_tray(self):
         program = self.started(config=b"ToTray=True\r\n")

@@ -54,9 +54,13 @@ void ReportGone(const Snapshot& known, const Snapshot& current, ChangeReports& r
 
 }  // namespace
 
+void ReportDifferences(const Snapshot& known, const Snapshot& current, ChangeReports& reports) {
+  ReportPresent(known, current, reports);
+  ReportGone(known, current, reports);
+}
+
 void CompareSnapshots(ChangeReports& reports) {
   PublicDim.CurrentRows = TakeSnapshot();
-  ReportPresent(PublicDim.KnownRows, PublicDim.CurrentRows, reports);
-  ReportGone(PublicDim.KnownRows, PublicDim.CurrentRows, reports);
+  ReportDifferences(PublicDim.KnownRows, PublicDim.CurrentRows, reports);
   PublicDim.KnownRows = PublicDim.CurrentRows;
 }

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+#include "core/Rows.h"
+
 /// What a comparison tells of the differences that it finds. Rows are numbers in `KnownRows` (old)
 /// and `CurrentRows` (new), both of which stand still from the first report to the last.
 class ChangeReports {
@@ -17,8 +19,11 @@ class ChangeReports {
   virtual void ReportRemoved(std::size_t oldRow) = 0;
 };
 
+/// Reports how `current` differs from `known`: first the modified and added files in the order of
+/// `current`, then the removed ones in the order of `known`. Names match whatever the case of their
+/// letters; of several rows that match, the first counts.
+void ReportDifferences(const Snapshot& known, const Snapshot& current, ChangeReports& reports);
+
 /// Takes a fresh snapshot, reports how it differs from the baseline, and makes it the baseline.
-/// First the modified and added files in the order of the scan, then the removed ones in the order
-/// of the baseline. Names match whatever the case of their letters; of several rows that match, the
-/// first counts. Yields only during the scan.
+/// Yields only during the scan.
 void CompareSnapshots(ChangeReports& reports);

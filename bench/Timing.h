@@ -1,0 +1,44 @@
+#pragma once
+
+#include <algorithm>
+#include <chrono>
+#include <vector>
+
+/// Seconds on the wall clock that `work` takes.
+template <typename Work>
+double SecondsOf(Work work) {
+  const auto begin = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+inline double Median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+struct Timing {
+  double Measured;
+  double Reference;
+};
+
+/// Medians of two timings, each a procedure that returns seconds. They take turns, so that whatever
+/// else the machine does meets both.
+template <typename Measured, typename Reference>
+Timing TakeTurns(int rounds, Measured measured, Reference reference) {
+  std::vector<double> own;
+  std::vector<double> other;
+  for (int i = 0; i < rounds; ++i) {
+    other.push_back(reference());
+    own.push_back(measured());
+  }
+  return {Median(own), Median(other)};
+}
+
+template <typename Measured>
+double MedianOf(int rounds, Measured measured) {
+  std::vector<double> own;
+  for (int i = 0; i < rounds; ++i) own.push_back(measured());
+  return Median(own);
+}

@@ -1,0 +1,191 @@
+#include <array>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <functional>
+#include <iostream>
+#include <malloc.h>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "bench/CookieWork.h"
+#include "bench/MakeCookieFolder.h"
+#include "bench/Timing.h"
+#include "cookies/CookieColumns.h"
+#include "cookies/CookieList.h"
+#include "core/PublicDim.h"
+#include "monitor/ScanDisk.h"
+#include "platform/Application.h"
+
+// speed FOLDER FILES ROUNDS: times the work on a large cookie folder, which is made if it is not
+// there, beside what the same folder costs without this program. Prints a line for each piece of
+// work: its name, what was measured and the reference, divided by tabs; seconds or bytes.
+
+namespace {
+
+struct Request {
+  std::string Folder;
+  int Files;
+  int Rounds;
+};
+
+void Print(std::string_view name, const Timing& timing) {
+  std::cout << name << '\t' << timing.Measured << '\t' << timing.Reference << std::endl;
+}
+
+double SecondsOfCommand(const std::string& command) {
+  return SecondsOf([&command] {
+    if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
+  });
+}
+
+void MeasureScan(const Request& asked) {
+  const std::string find =
+      "find '" + asked.Folder + R"(' -maxdepth 1 -name '*.txt' -printf '%f\t%s\t%T+\n' >/dev/null)";
+  Print("scan", TakeTurns(
+                    asked.Rounds, [] { return SecondsOf(TakeFirstSnapshot); },
+                    [&find] { return SecondsOfCommand(find); }));
+}
+
+/// Seconds a row.
+double SecondsOfCompare(const Snapshot& known, const Snapshot& current) {
+  const std::size_t times = 1 + 20'000 / known.size();
+  const double seconds = SecondsOf([&] {
+    for (std::size_t i = 0; i < times; ++i) Compare(known, current);
+  });
+  return seconds / static_cast<double>(times * known.size());
+}
+
+void MeasureCompare(const Request& asked) {
+  constexpr std::ptrdiff_t Few = 1000;
+  const Snapshot& all = PublicDim.KnownRows;
+  const Snapshot few(all.begin(), all.begin() + Few);
+  const auto measure = [&](std::string_view name, const Snapshot& allNow, const Snapshot& fewNow) {
+    Print(name, TakeTurns(
+                    asked.Rounds, [&] { return SecondsOfCompare(all, allNow); },
+                    [&] { return SecondsOfCompare(few, fewNow); }));
+  };
+  measure("compare, nothing changed", Snapshot(all), Snapshot(few));
+  measure("compare, everything changed", Renamed(all), Renamed(few));
+}
+
+/// What reading the files costs at the least.
+void ReadBare() {
+  static std::array<char, 65536> buffer;
+  for (const CookieFileRow& file : PublicDim.KnownRows) {
+    const std::string path = PublicDim.CookieDir + file.FileName;
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    struct stat info;
+    if (fstat(descriptor, &info) != 0 || read(descriptor, buffer.data(), buffer.size()) < 0) {
+      throw std::runtime_error(path);
+    }
+    close(descriptor);
+  }
+}
+
+void MeasureRead(const Request& asked) {
+  const auto read = [] {
+    ClearCookieRows();
+    return SecondsOf(ReadCookies);
+  };
+  Print("read", TakeTurns(asked.Rounds, read, [] { return SecondsOf(ReadBare); }));
+}
+
+std::size_t BytesInUse() {
+  const struct mallinfo2 info = mallinfo2();
+  return info.uordblks + info.hblkhd;
+}
+
+void MeasureMemory(CookieLists& lists) {
+  const std::size_t before = BytesInUse();
+  LoadCookieList(lists.ListVCookie);
+  platform::DoEvents();
+  const std::size_t held = BytesInUse() - before;
+  std::size_t text = 0;
+  for (const CookieRow& row : PublicDim.CookieRows) {
+    for (const std::string* field :
+         {&row.Server, &row.CookieName, &row.CookieValue, &row.ExpireDate, &row.CookieFile,
+          &row.FileSize, &row.Modified}) {
+      text += field->size();
+    }
+  }
+  const auto cookies = static_cast<double>(PublicDim.CookieRows.size() - 1);
+  Print("memory", {static_cast<double>(held) / cookies, static_cast<double>(text) / cookies});
+}
+
+void MeasureFill(const Request& asked, platform::ListView& list) {
+  const std::size_t all = PublicDim.CookieRows.size() - 1;
+  const std::size_t tenth = all / 10;
+  Print("fill",
+        {MedianOf(asked.Rounds, [&] { return SecondsOf([&] { FillList(list, all); }); }), 0});
+  const auto perRow = [&list](std::size_t count) {
+    return SecondsOf([&] { FillList(list, count); }) / static_cast<double>(count);
+  };
+  SortColumn(list, 4);
+  Print("rebuild, sorted",
+        TakeTurns(
+            asked.Rounds, [&] { return perRow(all); }, [&] { return perRow(tenth); }));
+  list.Sorted(false);
+}
+
+void MeasureSearch(const Request& asked, CookieLists& lists) {
+  const auto measure = [&](int field, const std::string& word) {
+    const std::string grep = "grep -ric '" + word + "' '" + asked.Folder + "' >/dev/null";
+    const Timing timing = TakeTurns(
+        asked.Rounds, [&] { return SecondsOf([&] { Search(lists, field, word); }); },
+        [&grep] { return SecondsOfCommand(grep); });
+    Print("search, " + std::to_string(lists.ListVSearch.Count()) + " found", timing);
+  };
+  constexpr int CookieName = 2;
+  constexpr int Value = 3;
+  measure(CookieName, "sessionid");
+  measure(Value, "qx7");
+}
+
+void MeasureSort(const Request& asked, platform::ListView& list) {
+  FillList(list, PublicDim.CookieRows.size() - 1);
+  for (std::size_t column = 1; column <= CookieColumns.size(); ++column) {
+    const auto sort = [&] {
+      return SecondsOf([&] { SortColumn(list, static_cast<int>(column)); });
+    };
+    Print("sort by " + std::string(CookieColumns[column - 1].Text),
+          {MedianOf(asked.Rounds, sort), 0});
+  }
+}
+
+class SpeedForm : public CookieLists {
+ public:
+  explicit SpeedForm(Request asked) : asked_(std::move(asked)) {}
+
+  void Form_Load() override {
+    StyleLists(*this);
+    Show();
+    platform::DoEvents();
+    MeasureScan(asked_);
+    MeasureMemory(*this);
+    MeasureRead(asked_);
+    MeasureCompare(asked_);
+    MeasureFill(asked_, ListVCookie);
+    MeasureSearch(asked_, *this);
+    MeasureSort(asked_, ListVCookie);
+    platform::End();
+  }
+
+ private:
+  Request asked_;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  if (argc != 4) return 2;
+  const Request asked = {argv[1], std::stoi(argv[2]), std::stoi(argv[3])};
+  if (std::filesystem::create_directories(asked.Folder))
+    MakeCookieFolder(asked.Folder, asked.Files);
+  UseCookieFolder(asked.Folder);
+  return platform::RunApplication(argc, argv,
+                                  [&asked] { return std::make_unique<SpeedForm>(asked); });
+}

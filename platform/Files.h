@@ -30,6 +30,10 @@ std::string Dir();
 /// folder stay. False when anything that fits stayed or nothing fits.
 bool Kill(const std::string& path);
 
+/// Whether files may be cleared out of a folder: it exists and, once links are followed, is not the
+/// root, nor the user's home folder or one above that.
+bool IsSafeToClear(const std::string& folder);
+
 /// Creates one folder, no parents. False when it exists or cannot be made.
 bool MkDir(const std::string& path);
 

@@ -11,7 +11,7 @@ constexpr std::string_view NumberMask = "00000000000000000000.0000000000";
 constexpr std::string_view DateMask = "YYYYMMDDHhNnSs";
 constexpr platform::SYSTEMTIME ZeroDate = {.wYear = 1899, .wMonth = 12, .wDay = 30};
 
-const std::string& Cell(const platform::ListView::ListItem& row, int index) {
+std::string Cell(const platform::ListView::ListItem& row, int index) {
   return index == 1 ? row.Text() : row.SubItems(index - 1);
 }
 

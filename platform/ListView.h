@@ -34,14 +34,15 @@ class ListView : public Control {
   ~ListView() override;
 
   /// A row by its present position, counted from 1. Valid until rows are added, removed or sorted.
+  /// A position or column that does not exist reads as empty, and writing to it does nothing.
   class ListItem {
    public:
-    const std::string& Text() const;
+    std::string Text() const;
     void Text(std::string_view text);
     /// The cells behind the first, `column` from 1.
-    const std::string& SubItems(int column) const;
+    std::string SubItems(int column) const;
     void SubItems(int column, std::string_view text);
-    const std::string& Tag() const;
+    std::string Tag() const;
     void Tag(std::string_view text);
     bool Selected() const;
     void Selected(bool selected);
@@ -49,6 +50,9 @@ class ListView : public Control {
    private:
     friend class ListView;
     ListItem(ListView& list, int position) : list_(&list), position_(position) {}
+    int TagCell() const;
+    std::string Cell(int cell) const;
+    void Cell(int cell, std::string_view text);
     ListView* list_;
     int position_;
   };

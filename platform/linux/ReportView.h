@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include <QElapsedTimer>
+#include <QTreeView>
+
+#include "platform/ListView.h"
+#include "platform/linux/ListViewModel.h"
+
+namespace platform {
+
+/// The widget of a `ListView`: rows under column headers, selected as whole rows.
+///
+/// What a procedure of the program does to the rows reaches the toolkit's view and selection in one
+/// step, `Settle`: before the next event, or when something asks for the view's own state.
+class ReportView : public QTreeView {
+ public:
+  ReportView(QWidget* parent, ListView& owner, const std::vector<ColumnHeader>& columns);
+
+  ListViewModel& Rows() const { return *rows_; }
+  void Add(std::string_view text);
+  void Remove(int row);
+  void Clear();
+  void Write(int row, int cell, std::string_view text);
+
+  bool IsSelected(int row) const;
+  void Select(int row, bool selected);
+  /// The current row if it is selected, else the first selected one, else -1.
+  int SelectedRow() const;
+
+  int SortKey() const { return sortKey_; }
+  int SortOrder() const { return sortOrder_; }
+  bool Sorted() const { return sorted_; }
+  void SortKey(int column);
+  void SortOrder(int order);
+  void Sorted(bool sorted);
+
+  std::uint32_t Style() const { return style_; }
+  void Style(std::uint32_t style);
+
+  void Settle();
+
+  void keyboardSearch(const QString& typed) override;
+  /// Of a row; shared with the cells' delegate.
+  static int RowHeight(const QFontMetrics& metrics);
+
+ protected:
+  bool event(QEvent* event) override;
+  bool viewportEvent(QEvent* event) override;
+  void paintEvent(QPaintEvent* event) override;
+  void drawRow(QPainter* painter, const QStyleOptionViewItem& option,
+               const QModelIndex& index) const override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  void showEvent(QShowEvent* event) override;
+  void dataChanged(const QModelIndex& first, const QModelIndex& last,
+                   const QList<int>& roles) override;
+  void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
+
+ private:
+  void SetUpHeader(const std::vector<ColumnHeader>& columns);
+  void SettleLater();
+  /// Puts rows into a new order, or drops some; selection, current row and sideways scroll position
+  /// follow. `top` is the row then on top.
+  void Arrange(const std::vector<std::uint32_t>& order, int top);
+  void RestoreSelection(std::vector<bool> selected);
+  void MakeCurrent(int row, int column);
+  void ReadSelection() const;
+  void ShowSortArrow();
+  /// Makes the row under the pointer the current one and sees that it is selected.
+  void SelectUnder(const QMouseEvent& event);
+  void RaiseMouseUp(Qt::MouseButton button);
+  void CopySelected() const;
+  bool ShowToolTip(const QPoint& at, const QPoint& global);
+  void DrawGrid();
+
+  ListView& owner_;
+  ListViewModel* rows_;
+  bool settleScheduled_ = false;
+  bool settling_ = false;
+
+  // The selection, one flag each row: a copy for quick reading, which the selection model brings up
+  // to date; or, while `selectionWritten_`, what that model is about to be told.
+  mutable std::vector<bool> selected_;
+  mutable bool selectionRead_ = false;
+  bool selectionWritten_ = false;
+
+  int sortKey_ = 0;
+  int sortOrder_ = lvwAscending;
+  bool sorted_ = false;
+  std::uint32_t style_ = 0;
+
+  QString typed_;
+  QElapsedTimer typedAt_;
+  bool hadFocus_ = false;
+};
+
+}  // namespace platform

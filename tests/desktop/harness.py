@@ -33,8 +33,8 @@ def wait_until(condition, what, seconds=15):
     return value
 
 
-def run(*command):
-    return subprocess.run([str(word) for word in command], check=True, capture_output=True,
+def run(*command, check=True):
+    return subprocess.run([str(word) for word in command], check=check, capture_output=True,
                           text=True, timeout=60 * PATIENCE).stdout
 
 
@@ -51,7 +51,7 @@ class Desktop:
     """X server, session bus, window manager and accessibility bus. One a process: the
     accessibility client keeps to the bus that it met first."""
 
-    def __init__(self, window_manager=True):
+    def __init__(self):
         self.home = Path(tempfile.mkdtemp(prefix="quillmere-desktop-"))
         self.processes = []
         for name in ("config/pulse", "data", "cache", "runtime"):
@@ -70,8 +70,11 @@ class Desktop:
             "NO_AT_BRIDGE": "0",
             "LANG": "C.UTF-8",
         }
+
+    def open(self, window_manager):
         self.env["DISPLAY"] = ":" + self._answer(
-            "Xvfb", "-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp")
+            "Xvfb", "-displayfd", "1", "-noreset", "-screen", "0", "1280x1024x24",
+            "-nolisten", "tcp")
         self.env["DBUS_SESSION_BUS_ADDRESS"] = self._answer(
             "dbus-daemon", "--session", "--nofork", "--print-address")
         self.start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately")
@@ -82,7 +85,7 @@ class Desktop:
         if window_manager:
             self.start("openbox", "--sm-disable")
             wait_until(lambda: "window id #" in run(
-                "xprop", "-root", "_NET_SUPPORTING_WM_CHECK"), "the window manager")
+                "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False), "the window manager")
 
     def start(self, *command, **options):
         options.setdefault("stdout", subprocess.DEVNULL)
@@ -210,9 +213,8 @@ class Program:
         """The main window's number; popups carry the same title and are smaller."""
         if not self.window:
             def largest():
-                found = subprocess.run(
-                    ["xdotool", "search", "--all", "--pid", str(self.process.pid), "--name",
-                     "^Quillmere$"], capture_output=True, text=True).stdout.split()
+                found = run("xdotool", "search", "--all", "--pid", self.process.pid, "--name",
+                            "^Quillmere$", check=False).split()
                 sizes = {}
                 for number in found:
                     with contextlib.suppress(subprocess.CalledProcessError):
@@ -224,9 +226,10 @@ class Program:
 
     def geometry(self, window=None):
         """Left, top, width and height of the window without its frame, in pixels."""
-        text = run("xdotool", "getwindowgeometry", "--shell", window or self.find_window())
-        values = dict(line.split("=") for line in text.splitlines())
-        return tuple(int(values[key]) for key in ("X", "Y", "WIDTH", "HEIGHT"))
+        text = run("xwininfo", "-id", window or self.find_window())
+        values = dict(re.findall(r"^ *(.+): +(\d+)$", text, re.MULTILINE))
+        return tuple(int(values[key]) for key in (
+            "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     def mapped(self):
         return "Map State: IsViewable" in run("xwininfo", "-id", self.find_window())
@@ -337,8 +340,9 @@ class DesktopTest(unittest.TestCase):
 
     @classmethod
     def setUpClass(cls):
-        cls.desktop = Desktop(cls.window_manager)
+        cls.desktop = Desktop()
         cls.addClassCleanup(cls.desktop.close)
+        cls.desktop.open(cls.window_manager)
 
     def program(self, **options):
         program = Program(self.desktop, **options)

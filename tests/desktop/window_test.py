@@ -149,6 +149,7 @@ class WindowTest(DesktopTest):
 
     def test_minimised_to_the_taskbar(self):
         program = self.started(config=b"ToTray=False\r\n")
+        wait_until(program.mapped, "the window")
         window = program.find_window()
         place = program.geometry()
         run("xdotool", "windowminimize", window)
@@ -167,6 +168,7 @@ class WindowTest(DesktopTest):
 
     def test_minimised_to_the_tray(self):
         program = self.started(config=b"ToTray=True\r\n")
+        wait_until(program.mapped, "the window")
         window = program.find_window()
         run("xdotool", "windowminimize", window)
         wait_until(lambda: f"{int(window):#x}" not in self.client_list(),

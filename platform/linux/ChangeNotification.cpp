@@ -1,0 +1,279 @@
+#include "platform/ChangeNotification.h"
+
+#include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <fcntl.h>
+#include <functional>
+#include <glib.h>
+#include <memory>
+#include <optional>
+#include <poll.h>
+#include <string_view>
+#include <sys/inotify.h>
+#include <sys/stat.h>
+#include <unordered_map>
+#include <variant>
+#include <vector>
+
+#include "platform/linux/Descriptor.h"
+#include "platform/linux/HandleTable.h"
+#include "platform/linux/Paths.h"
+
+namespace platform {
+namespace {
+
+constexpr std::uint32_t NameEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
+constexpr std::uint32_t WriteEvents = IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB;
+constexpr std::uint32_t SelfEvents = IN_DELETE_SELF | IN_MOVE_SELF;
+constexpr std::uint32_t LossEvents = SelfEvents | IN_IGNORED | IN_UNMOUNT;
+
+/// Last write times by name. The kernel reports a changed mode and a set write time as one and the
+/// same event; only the time itself tells them apart. Names are kept as their hashes: a folder may
+/// hold a hundred thousand.
+class WriteTimes {
+ public:
+  void Fill(const std::string& folder) {
+    times_.clear();
+    DirectoryReader reader(folder);
+    DirectoryReader::Entry entry;
+    while (reader.IsOpen() && reader.Next(entry)) {
+      if (entry.Type != DT_DIR) Update(reader.Folder(), entry.Name);
+    }
+  }
+
+  void Forget(std::string_view name) { times_.erase(std::hash<std::string_view>{}(name)); }
+
+  /// Takes in the present time of a file. True when it is not the one known. `name` ends in a NUL.
+  bool Update(int folder, std::string_view name) {
+    struct statx info;
+    if (statx(folder, name.data(), AT_SYMLINK_NOFOLLOW, STATX_MTIME, &info) != 0) {
+      Forget(name);
+      return false;
+    }
+    const Time time{info.stx_mtime.tv_sec, info.stx_mtime.tv_nsec};
+    const auto [known, added] = times_.try_emplace(std::hash<std::string_view>{}(name), time);
+    const bool changed = added || !(known->second == time);
+    known->second = time;
+    return changed;
+  }
+
+ private:
+  struct Time {
+    std::int64_t Seconds;
+    std::uint32_t Nanoseconds;
+    bool operator==(const Time&) const = default;
+  };
+
+  std::unordered_map<std::size_t, Time> times_;
+};
+
+/// A place of the file system, whatever its path.
+struct Place {
+  dev_t Device = 0;
+  ino_t Node = 0;
+  bool operator==(const Place&) const = default;
+};
+
+std::optional<Place> PlaceOf(const std::string& folder) {
+  struct stat info;
+  if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return std::nullopt;
+  return Place{info.st_dev, info.st_ino};
+}
+
+class Watch {
+ public:
+  Watch(std::string folder, std::uint32_t filter) : folder_(std::move(folder)), filter_(filter) {
+    if (!folder_.ends_with('/')) folder_ += '/';
+    Begin();
+  }
+
+  bool IsWatching() const { return static_cast<bool>(events_); }
+  int EventSource() const { return events_.Number(); }
+  bool IsSignalled() const { return signalled_; }
+  void Rearm() { signalled_ = false; }
+
+  /// Takes in what was recorded; a folder that was lost is looked for again. Returns the signal.
+  bool TakeIn() {
+    if (signalled_) return true;
+    if (!IsWatching()) {
+      signalled_ = Begin();
+    } else {
+      ReadEvents();
+    }
+    return signalled_;
+  }
+
+  /// Whether the path leads somewhere else than when it was watched. No event tells of a parent
+  /// that was renamed, or of another file system that was mounted over it.
+  bool LooksElsewhere() {
+    if (IsWatching() && PlaceOf(folder_) != place_) Lose();
+    return signalled_;
+  }
+
+ private:
+  bool Begin() {
+    // Where the path leads is looked up first: a folder that is exchanged in between then differs
+    // from it and is found.
+    const std::optional<Place> place = PlaceOf(folder_);
+    if (!place) return false;
+    Descriptor events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+    const bool writes = (filter_ & FILE_NOTIFY_CHANGE_LAST_WRITE) != 0;
+    const bool names = (filter_ & FILE_NOTIFY_CHANGE_FILE_NAME) != 0;
+    const std::uint32_t mask = NameEvents | SelfEvents | (writes ? WriteEvents : 0u) |
+                               static_cast<std::uint32_t>(IN_ONLYDIR);
+    if (!events || inotify_add_watch(events.Number(), folder_.c_str(), mask) < 0) return false;
+    events_ = std::move(events);
+    place_ = *place;
+    counting_ = (names ? NameEvents : 0u) | (writes ? static_cast<std::uint32_t>(IN_MODIFY) : 0u);
+    if (writes) times_.Fill(folder_);
+    return true;
+  }
+
+  void Lose() {
+    events_.Close();
+    signalled_ = true;
+  }
+
+  void ReadEvents() {
+    alignas(inotify_event) std::array<char, 65536> buffer;
+    // A writer that never rests must not keep this from an end; what is left ends the next wait.
+    constexpr int MostReads = 256;
+    bool lost = false;
+    bool overflowed = false;
+    for (int i = 0; i < MostReads && !lost; ++i) {
+      const ssize_t got = read(events_.Number(), buffer.data(), buffer.size());
+      if (got <= 0) break;
+      for (ssize_t at = 0; at < got;) {
+        const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + at);
+        at += static_cast<ssize_t>(sizeof event + event.len);
+        lost = lost || (event.mask & LossEvents) != 0;
+        overflowed = overflowed || (event.mask & IN_Q_OVERFLOW) != 0;
+        if (event.len > 0 && (event.mask & IN_ISDIR) == 0) Note(event);
+      }
+    }
+    LookAtWritten();
+    if (overflowed) {
+      signalled_ = true;
+      if ((filter_ & FILE_NOTIFY_CHANGE_LAST_WRITE) != 0) times_.Fill(folder_);
+    }
+    if (lost) Lose();
+  }
+
+  void Note(const inotify_event& event) {
+    if ((event.mask & counting_) != 0) signalled_ = true;
+    const std::string_view name(static_cast<const char*>(event.name));
+    if ((event.mask & (IN_DELETE | IN_MOVED_FROM)) != 0) {
+      times_.Forget(name);
+    } else if ((filter_ & FILE_NOTIFY_CHANGE_LAST_WRITE) != 0) {
+      written_.try_emplace(std::string(name));
+    }
+  }
+
+  /// One look at each file that was written, created or marked, however many events told of it.
+  void LookAtWritten() {
+    if (written_.empty()) return;
+    const Descriptor folder(open(folder_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    for (const auto& [name, none] : written_) {
+      if (times_.Update(folder.Number(), name)) signalled_ = true;
+    }
+    written_.clear();
+  }
+
+  std::string folder_;
+  std::uint32_t filter_;
+  std::uint32_t counting_ = 0;  ///< Events that are a change by themselves.
+  Descriptor events_;
+  Place place_;
+  WriteTimes times_;
+  std::unordered_map<std::string, std::monostate> written_;
+  bool signalled_ = false;
+};
+
+HandleTable<Watch>& Watches() {
+  static HandleTable<Watch> table;
+  return table;
+}
+
+/// What ended a wait.
+struct Woken {
+  bool ByWatch = false;
+  bool ByWindow = false;
+};
+
+/// Everything that the event loop of the windows waits for, asked without handing anything out.
+class WindowEvents {
+ public:
+  WindowEvents()
+      : context_(g_main_context_default()), owned_(g_main_context_acquire(context_) != FALSE) {}
+  WindowEvents(const WindowEvents&) = delete;
+  WindowEvents& operator=(const WindowEvents&) = delete;
+  ~WindowEvents() {
+    if (owned_) g_main_context_release(context_);
+  }
+
+  /// Waits for them and for the watch's descriptor, up to `milliseconds`.
+  Woken Wait(int descriptor, int milliseconds) {
+    gint priority = G_MAXINT;
+    if (owned_ && g_main_context_prepare(context_, &priority)) return {.ByWindow = true};
+    static std::vector<GPollFD> polled(8);
+    gint timeout = -1;
+    gint count = 0;
+    while (owned_ && (count = g_main_context_query(context_, G_MAXINT, &timeout, polled.data(),
+                                                   static_cast<gint>(polled.size() - 1))) >=
+                         static_cast<gint>(polled.size())) {
+      polled.resize(static_cast<std::size_t>(count) + 1);
+    }
+    // poll() passes over a negative descriptor.
+    GPollFD& own = polled[static_cast<std::size_t>(count)];
+    own = {.fd = descriptor, .events = G_IO_IN, .revents = 0};
+    if (timeout < 0 || timeout > milliseconds) timeout = milliseconds;
+    g_poll(polled.data(), static_cast<guint>(count) + 1, timeout);
+    Woken woken{.ByWatch = own.revents != 0};
+    woken.ByWindow =
+        owned_ && g_main_context_check(context_, G_MAXINT, polled.data(), count) != FALSE;
+    return woken;
+  }
+
+ private:
+  GMainContext* context_;
+  bool owned_;
+};
+
+}  // namespace
+
+HANDLE FindFirstChangeNotificationA(const std::string& folder, int subtree, std::uint32_t filter) {
+  constexpr std::uint32_t Known = FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_LAST_WRITE;
+  if (!IsPath(folder) || subtree != 0 || (filter & Known) == 0) return INVALID_HANDLE_VALUE;
+  auto watch = std::make_unique<Watch>(folder, filter);
+  return watch->IsWatching() ? Watches().Add(std::move(watch)) : INVALID_HANDLE_VALUE;
+}
+
+int FindNextChangeNotification(HANDLE handle) {
+  Watch* const watch = Watches().Find(handle);
+  if (watch == nullptr) return 0;
+  watch->Rearm();
+  return 1;
+}
+
+int FindCloseChangeNotification(HANDLE handle) { return Watches().Remove(handle) ? 1 : 0; }
+
+std::uint32_t WaitForSingleObject(HANDLE handle, std::uint32_t milliseconds) {
+  using Clock = std::chrono::steady_clock;
+  Watch* const watch = Watches().Find(handle);
+  if (watch == nullptr && handle != INVALID_HANDLE_VALUE) return WAIT_FAILED;
+  if (watch != nullptr && watch->TakeIn()) return WAIT_OBJECT_0;
+  const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
+  WindowEvents window;
+  for (;;) {
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
+    const int wait = static_cast<int>(std::clamp<std::int64_t>(left, 0, INT32_MAX));
+    const Woken woken = window.Wait(watch == nullptr ? -1 : watch->EventSource(), wait);
+    if (woken.ByWatch && watch->TakeIn()) return WAIT_OBJECT_0;
+    if (woken.ByWindow || Clock::now() >= end) break;
+  }
+  return watch != nullptr && watch->LooksElsewhere() ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
+}
+
+}  // namespace platform

@@ -1,0 +1,241 @@
+#include "platform/Files.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/Paths.h"
+
+namespace platform {
+namespace {
+
+/// The names of the look-up begun last.
+struct LookUp {
+  std::vector<std::string> Names;
+  std::size_t Next = 0;
+};
+
+LookUp& CurrentLookUp() {
+  static LookUp lookUp;
+  return lookUp;
+}
+
+bool IsFolder(int folder, const char* name, unsigned char type = DT_UNKNOWN) {
+  if (type != DT_UNKNOWN && type != DT_LNK) return type == DT_DIR;
+  struct stat info;
+  return fstatat(folder, name, &info, 0) == 0 && S_ISDIR(info.st_mode);
+}
+
+bool IsWanted(int folder, const char* name, int attributes, unsigned char type = DT_UNKNOWN) {
+  if (name[0] == '.' && (attributes & vbHidden) == 0) return false;
+  return IsOrdinaryFile(folder, name, type) ||
+         ((attributes & vbDirectory) != 0 && IsFolder(folder, name, type));
+}
+
+std::vector<std::string> NamesThatFit(const std::string& pattern, int attributes) {
+  if (!IsPath(pattern)) return {};
+  const std::string name = NameOf(pattern);
+  if (name.empty()) {
+    const bool found = (attributes & vbDirectory) != 0 && IsFolder(AT_FDCWD, pattern.c_str());
+    return found ? std::vector<std::string>{"."} : std::vector<std::string>{};
+  }
+  const NamePattern fitting(name);
+  if (!fitting.IsWildcard()) {
+    const Descriptor folder(open(FolderOf(pattern).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const bool found = folder && IsWanted(folder.Number(), name.c_str(), attributes);
+    return found ? std::vector<std::string>{name} : std::vector<std::string>{};
+  }
+  // All names are read before the first is handed out, so that none can be lost to a deletion.
+  std::vector<std::string> names;
+  DirectoryReader reader(FolderOf(pattern));
+  DirectoryReader::Entry entry;
+  while (reader.IsOpen() && reader.Next(entry)) {
+    if (fitting.Fits(entry.Name) &&
+        IsWanted(reader.Folder(), entry.Name.data(), attributes, entry.Type)) {
+      names.emplace_back(entry.Name);
+    }
+  }
+  return names;
+}
+
+// The owner's write bit alone decides, so that a read-only file is safe from root too.
+bool Delete(int folder, const char* name) {
+  struct stat info;
+  if (fstatat(folder, name, &info, AT_SYMLINK_NOFOLLOW) != 0) return false;
+  const bool deletable =
+      S_ISLNK(info.st_mode) || (S_ISREG(info.st_mode) && (info.st_mode & S_IWUSR) != 0);
+  return deletable && unlinkat(folder, name, 0) == 0;
+}
+
+bool DeleteAll(const std::string& folder, const NamePattern& fitting) {
+  DirectoryReader reader(folder);
+  if (!reader.IsOpen()) return false;
+  bool any = false;
+  bool all = true;
+  DirectoryReader::Entry entry;
+  while (reader.Next(entry)) {
+    if (!fitting.Fits(entry.Name) ||
+        !IsWanted(reader.Folder(), entry.Name.data(), vbNormal, entry.Type)) {
+      continue;
+    }
+    any = true;
+    if (!Delete(reader.Folder(), entry.Name.data())) all = false;
+  }
+  return any && all;
+}
+
+/// Where a path leads in the end: a link is followed also when nothing stands there yet.
+std::optional<std::string> FollowLinks(std::string path) {
+  constexpr int MostLinks = 40;
+  for (int i = 0; i < MostLinks; ++i) {
+    std::array<char, PATH_MAX> target;
+    const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+    if (length < 0) return path;
+    const std::string text(target.data(), static_cast<std::size_t>(length));
+    path = text.starts_with('/') ? text : FolderOf(path) + text;
+  }
+  return std::nullopt;
+}
+
+bool WriteAll(int file, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t written = write(file, content.data(), content.size());
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) return false;
+    content.remove_prefix(static_cast<std::size_t>(written));
+  }
+  return true;
+}
+
+/// A file that is there under another name until it takes the place of the one meant; without that
+/// it goes again.
+class Successor {
+ public:
+  Successor(int folder, const std::string& name)
+      : folder_(folder), name_(".new-" + std::to_string(getpid())), target_(name) {
+    // One left by a process of the same number that was killed would bar the way for ever.
+    unlinkat(folder_, name_.c_str(), 0);
+    file_ = Descriptor(
+        openat(folder_, name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
+  }
+  Successor(const Successor&) = delete;
+  Successor& operator=(const Successor&) = delete;
+  ~Successor() {
+    if (file_ && !placed_) unlinkat(folder_, name_.c_str(), 0);
+  }
+
+  /// Owner and mode of the file before it. A change of owner takes the right to change the mode.
+  void Inherit(const struct stat& old) {
+    [[maybe_unused]] const int kept = fchown(file_.Number(), old.st_uid, old.st_gid);
+    fchmod(file_.Number(), old.st_mode & 07777);
+  }
+
+  bool Place(std::string_view content) {
+    placed_ = file_ && WriteAll(file_.Number(), content) && fsync(file_.Number()) == 0 &&
+              renameat(folder_, name_.c_str(), folder_, target_.c_str()) == 0;
+    return placed_;
+  }
+
+  explicit operator bool() const { return static_cast<bool>(file_); }
+
+ private:
+  int folder_;
+  std::string name_;
+  std::string target_;
+  Descriptor file_;
+  bool placed_ = false;
+};
+
+}  // namespace
+
+std::string Dir(const std::string& pattern, int attributes) {
+  CurrentLookUp() = {NamesThatFit(pattern, attributes), 0};
+  return Dir();
+}
+
+std::string Dir() {
+  LookUp& lookUp = CurrentLookUp();
+  return lookUp.Next < lookUp.Names.size() ? lookUp.Names[lookUp.Next++] : std::string();
+}
+
+bool Kill(const std::string& path) {
+  if (!IsPath(path)) return false;
+  const NamePattern fitting(NameOf(path));
+  return fitting.IsWildcard() ? DeleteAll(FolderOf(path), fitting) : Delete(AT_FDCWD, path.c_str());
+}
+
+bool MkDir(const std::string& path) { return IsPath(path) && mkdir(path.c_str(), 0777) == 0; }
+
+InputFile::InputFile(const std::string& path) {
+  const char* const name = path.c_str() + path.rfind('/') + 1;
+  struct stat info;
+  // The look comes before the open: a pipe or a device must not even be opened.
+  if (!IsPath(path) || name[0] == '.' || stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
+    return;
+  }
+  const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!file) return;
+  // One byte more than the file has: a read that leaves room has met the end.
+  std::size_t filled = 0;
+  std::size_t room = static_cast<std::size_t>(info.st_size) + 1;
+  ssize_t got = 0;
+  do {
+    content_.resize(filled + room);
+    got = read(file.Number(), content_.data() + filled, room);
+    if (got > 0) filled += static_cast<std::size_t>(got);
+    room = filled < content_.size() ? content_.size() - filled : content_.size();
+  } while (got > 0 && filled == content_.size());
+  open_ = got >= 0;
+  content_.resize(open_ ? filled : 0);
+}
+
+std::string InputFile::LineInput() {
+  if (EndOfFile()) return {};
+  const char* const begin = content_.data() + position_;
+  const std::size_t left = content_.size() - position_;
+  const void* const end = std::memchr(begin, '\r', left);
+  if (end == nullptr && position_ == 0) return std::exchange(content_, {});
+  const std::size_t length =
+      end == nullptr ? left : static_cast<std::size_t>(static_cast<const char*>(end) - begin);
+  std::string line(begin, length);
+  position_ += length + 1;
+  if (position_ < content_.size() && content_[position_] == '\n') ++position_;
+  return line;
+}
+
+bool ReplaceFile(const std::string& path, std::string_view content) {
+  if (!IsPath(path)) return false;
+  const std::optional<std::string> target = FollowLinks(path);
+  if (!target || NameOf(*target).empty()) return false;
+  const Descriptor folder(open(FolderOf(*target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder) return false;
+  const std::string name = NameOf(*target);
+  struct stat old;
+  const bool exists = fstatat(folder.Number(), name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+  if (exists && (!S_ISREG(old.st_mode) || (old.st_mode & S_IWUSR) == 0 ||
+                 faccessat(folder.Number(), name.c_str(), W_OK, AT_EACCESS) != 0)) {
+    return false;  // The rename would replace what may not be written.
+  }
+  Successor successor(folder.Number(), name);
+  if (!successor) return false;
+  if (exists) successor.Inherit(old);
+  if (!successor.Place(content)) return false;
+  fsync(folder.Number());
+  return true;
+}
+
+bool AppendFile(const std::string& path, std::string_view text) {
+  if (!IsPath(path)) return false;
+  // Without O_NONBLOCK the open of a pipe would wait for a reader.
+  const Descriptor file(
+      open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
+  struct stat info;
+  if (!file || fstat(file.Number(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
+  return write(file.Number(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
+}
+
+}  // namespace platform

@@ -1,0 +1,115 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <dirent.h>
+#include <fcntl.h>
+#include <string>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/linux/Descriptor.h"
+
+namespace platform {
+
+/// Whether a text names a place at all: only an absolute path does, so that an unresolved folder
+/// ("\") with anything behind it stays nowhere.
+inline bool IsPath(std::string_view text) {
+  return text.starts_with('/') && text.find('\0') == std::string_view::npos;
+}
+
+/// The folder of a path, its separator included.
+inline std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }
+
+/// What follows the last separator.
+inline std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+/// A name, or "*.*" for every name, or "*." with an ending that fits in any case of its letters.
+/// Anything else with a "*" in it is the name of a file that is called that.
+class NamePattern {
+ public:
+  explicit NamePattern(std::string_view text) : text_(text) {
+    if (text == "*.*") {
+      kind_ = Kind::Any;
+    } else if (text.size() > 2 && text.starts_with("*.") &&
+               text.find_first_of("*?[", 1) == std::string_view::npos) {
+      kind_ = Kind::Ending;
+      text_.erase(0, 1);
+      for (char& letter : text_) letter = Lower(letter);
+    }
+  }
+
+  bool IsWildcard() const { return kind_ != Kind::Name; }
+  bool Fits(std::string_view name) const {
+    if (kind_ == Kind::Name) return name == text_;
+    return kind_ == Kind::Any || EndsWithText(name);
+  }
+
+ private:
+  enum class Kind { Name, Any, Ending };
+
+  static char Lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
+  }
+  bool EndsWithText(std::string_view name) const {
+    if (name.size() < text_.size()) return false;
+    name.remove_prefix(name.size() - text_.size());
+    for (std::size_t i = 0; i < name.size(); ++i) {
+      if (Lower(name[i]) != text_[i]) return false;
+    }
+    return true;
+  }
+
+  std::string text_;
+  Kind kind_ = Kind::Name;
+};
+
+/// The entries of a folder in the order of the directory. Entries that go while it is read do no
+/// harm: one that was handed out may be deleted.
+class DirectoryReader {
+ public:
+  struct Entry {
+    std::string_view Name;  ///< Ended by a NUL; valid until the next entry is asked for.
+    unsigned char Type;     ///< DT_REG, ..., or DT_UNKNOWN where the file system does not say.
+  };
+
+  explicit DirectoryReader(const std::string& folder)
+      : folder_(IsPath(folder) ? open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC) : -1) {}
+
+  bool IsOpen() const { return static_cast<bool>(folder_); }
+  /// The folder itself, for look-ups relative to it.
+  int Folder() const { return folder_.Number(); }
+
+  bool Next(Entry& entry) {
+    if (position_ >= filled_ && !Fill()) return false;
+    // The kernel writes whole, aligned records.
+    const auto* record = reinterpret_cast<const dirent64*>(buffer_.data() + position_);
+    position_ += record->d_reclen;
+    entry = {static_cast<const char*>(record->d_name), record->d_type};
+    return true;
+  }
+
+ private:
+  bool Fill() {
+    const ssize_t got = getdents64(folder_.Number(), buffer_.data(), buffer_.size());
+    position_ = 0;
+    filled_ = got > 0 ? static_cast<std::size_t>(got) : 0;
+    return filled_ > 0;
+  }
+
+  Descriptor folder_;
+  alignas(dirent64) std::array<std::byte, 65536> buffer_;
+  std::size_t position_ = 0;
+  std::size_t filled_ = 0;
+};
+
+/// An ordinary file: a regular one, or a link that leads to one. `type` saves the look where the
+/// directory has told already.
+inline bool IsOrdinaryFile(int folder, const char* name, unsigned char type = DT_UNKNOWN) {
+  if (type != DT_UNKNOWN && type != DT_LNK) return type == DT_REG;
+  struct stat info;
+  return fstatat(folder, name, &info, 0) == 0 && S_ISREG(info.st_mode);
+}
+
+}  // namespace platform

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+class QLineEdit;
+class QTextBrowser;
+class QUrl;
+
+namespace platform {
+
+/// The pages of a help in a window of its own, with the way back and forward and a search in the
+/// page. Esc closes it, and closing frees it.
+class HelpWindow : public QWidget {
+ public:
+  HelpWindow();
+
+  /// Shows a page, which is from now on also where "Home" leads, and comes to the front.
+  void Open(const QUrl& page);
+
+ protected:
+  void changeEvent(QEvent* event) override;
+
+ private:
+  QLayout* MakeButtons();
+  void Find(bool fromStart);
+
+  QTextBrowser* pages_;
+  QLineEdit* wanted_;
+};
+
+}  // namespace platform

@@ -251,10 +251,10 @@ class Program:
         run("xdotool", "key", "alt+F4")
         return self.process.wait(20 * PATIENCE)
 
-    def end(self):
+    def end(self, seconds=20):
         """Ends the program in the orderly way, from outside."""
         self.process.terminate()
-        return self.process.wait(20 * PATIENCE)
+        return self.process.wait(seconds * PATIENCE)
 
     def kill(self):
         if self.process:

@@ -1,6 +1,8 @@
 #include "bench/MakeCookieFolder.h"
 
 #include <array>
+#include <cstddef>
+#include <ctime>
 #include <fcntl.h>
 #include <fstream>
 #include <random>
@@ -37,12 +39,12 @@ class Maker {
 
   timespec WriteTime() {
     constexpr std::time_t From = 1'070'000'000;
-    constexpr unsigned Span = 600'000'000;
+    constexpr std::size_t Span = 600'000'000;
     return {From + static_cast<std::time_t>(Below(Span)), static_cast<long>(Below(1'000'000'000))};
   }
 
  private:
-  unsigned Below(unsigned limit) { return static_cast<unsigned>(random_() % limit); }
+  unsigned Below(std::size_t limit) { return static_cast<unsigned>(random_() % limit); }
   std::string_view Pick(const Words& words) { return words[Below(words.size())]; }
 
   std::string Value() {

@@ -2,10 +2,10 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
-#include <functional>
 #include <iostream>
 #include <malloc.h>
 #include <memory>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -122,6 +122,7 @@ void MeasureFill(const Request& asked, platform::ListView& list) {
   Print("fill",
         {MedianOf(asked.Rounds, [&] { return SecondsOf([&] { FillList(list, all); }); }), 0});
   const auto perRow = [&list](std::size_t count) {
+    FillList(list, count);
     return SecondsOf([&] { FillList(list, count); }) / static_cast<double>(count);
   };
   SortColumn(list, 4);
@@ -183,8 +184,13 @@ class SpeedForm : public CookieLists {
 int main(int argc, char** argv) {
   if (argc != 4) return 2;
   const Request asked = {argv[1], std::stoi(argv[2]), std::stoi(argv[3])};
-  if (std::filesystem::create_directories(asked.Folder))
-    MakeCookieFolder(asked.Folder, asked.Files);
+  if (!std::filesystem::exists(asked.Folder)) {
+    const std::string unfinished = asked.Folder + ".new";
+    std::filesystem::remove_all(unfinished);
+    std::filesystem::create_directories(unfinished);
+    MakeCookieFolder(unfinished, asked.Files);
+    std::filesystem::rename(unfinished, asked.Folder);
+  }
   UseCookieFolder(asked.Folder);
   return platform::RunApplication(argc, argv,
                                   [&asked] { return std::make_unique<SpeedForm>(asked); });

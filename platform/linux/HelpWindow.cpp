@@ -20,9 +20,9 @@ HelpWindow::HelpWindow() : pages_(new QTextBrowser(this)), wanted_(new QLineEdit
   setWindowIcon(QIcon(":/assets/quillmere.ico"));
   resize(720, 560);
 
-  constexpr int ReadingSize = 14;  // pixels; controls are lettered smaller than one likes to read
+  constexpr double ReadingSize = 10.5;  // controls are lettered smaller than one likes to read
   QFont font = pages_->font();
-  font.setPixelSize(ReadingSize);
+  font.setPointSizeF(ReadingSize);
   pages_->setFont(font);
   pages_->setAccessibleName("Help page");
   pages_->setOpenExternalLinks(true);

@@ -8,6 +8,8 @@
 
 namespace platform {
 
+class Menu;
+
 inline constexpr std::uint32_t NIM_ADD = 0;
 inline constexpr std::uint32_t NIM_DELETE = 2;
 inline constexpr std::uint32_t NIF_MESSAGE = 1;
@@ -30,6 +32,11 @@ struct NOTIFYICONDATA {
   std::array<char, 64> szTip{};  ///< Up to its first NUL.
 };
 static_assert(sizeof(NOTIFYICONDATA) == 88);
+
+/// Names the icon's menu, for desktops whose tray draws menus by itself and does not report the
+/// right button. Wanted before the icon is added; where the tray reports the button, as every event,
+/// the window pops its menu up and this changes nothing.
+void TrayMenu(const Menu& menu);
 
 /// Adds or removes the tray icon. From then on each mouse event on it reaches the window as the
 /// message `uCallbackMessage` with the event's own number; as WM_MOUSEMOVE it comes as

@@ -50,6 +50,7 @@ void FormMain::Form_Load() {
   PublicDim.CookieListStale = true;
   Show();
   FillTrayIconData();
+  platform::TrayMenu(MenuPopup);
   platform::Shell_NotifyIconA(platform::NIM_ADD, PublicDim.TrayIconData);
   if (StartHidden) {
     Hide();

@@ -90,8 +90,15 @@ Control::~Control() {
   delete Widget(native_);
 }
 
-int Control::Left() const { return ToTwips(Widget(*this)->x()); }
-int Control::Top() const { return ToTwips(Widget(*this)->y()); }
+int Control::Left() const {
+  const QWidget* widget = Widget(*this);
+  return ToTwips(widget->x() - Origin(*widget).x());
+}
+
+int Control::Top() const {
+  const QWidget* widget = Widget(*this);
+  return ToTwips(widget->y() - Origin(*widget).y());
+}
 
 int Control::Width() const {
   const QWidget* widget = Widget(*this);
@@ -105,12 +112,12 @@ int Control::Height() const {
 
 void Control::Left(int twips) {
   QWidget* widget = Widget(*this);
-  widget->move(ToPixels(twips), widget->y());
+  widget->move(ToPixels(twips) + Origin(*widget).x(), widget->y());
 }
 
 void Control::Top(int twips) {
   QWidget* widget = Widget(*this);
-  widget->move(widget->x(), ToPixels(twips));
+  widget->move(widget->x(), ToPixels(twips) + Origin(*widget).y());
 }
 
 void Control::Width(int twips) {

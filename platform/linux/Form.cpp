@@ -15,6 +15,7 @@
 
 #include "platform/Forms.h"
 #include "platform/linux/FormWidget.h"
+#include "platform/linux/PopupPile.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {
@@ -73,6 +74,8 @@ void FormWidget::closeEvent(QCloseEvent* event) {
   if (form_) form_->Unload();
 }
 
+void FormWidget::moveEvent(QMoveEvent*) { MovedOnPile(*this); }
+
 void FormWidget::resizeEvent(QResizeEvent*) {
   if (form_) form_->Form_Resize();
 }
@@ -118,7 +121,10 @@ Form::Form(const FormDesign& design)
 }
 
 // The widget goes with the base class; no event of it may find this object half gone.
-Form::~Form() { state_->Window->Forget(); }
+Form::~Form() {
+  TakeOffPile(*state_->Window);
+  state_->Window->Forget();
+}
 
 void Form::Load() {
   if (std::exchange(state_->Loaded, true)) return;
@@ -139,15 +145,19 @@ void Form::Show(const Form* owner) {
     window->winId();  // makes the native window, which alone can have an owner
     window->windowHandle()->setTransientParent(Widget(*owner)->windowHandle());
   }
+  if (state_->Design.ShowWithoutActivating) return PutOnPile(*state_->Window);
   window->show();
 }
 
-void Form::Hide() { state_->Window->hide(); }
+void Form::Hide() {
+  TakeOffPile(*state_->Window);
+  state_->Window->hide();
+}
 
 void Form::Unload() {
   if (std::exchange(state_->Unloading, true)) return;
   Form_Unload();
-  state_->Window->hide();
+  Hide();
   state_->Unloading = false;
   state_->Loaded = false;
   if (!state_->KeptByFramework) return;
@@ -173,7 +183,9 @@ void Form::WindowState(int state) {
 }
 
 void Form::PopupMenu(const Menu& menu) {
-  static_cast<QMenu*>(Widget(menu.Native()))->exec(QCursor::pos());
+  auto* popup = static_cast<QMenu*>(Widget(menu.Native()));
+  // A tray can ask for the menu while it is open; a second loop would take the first one's end.
+  if (!popup->isVisible()) popup->exec(QCursor::pos());
 }
 
 void ShowNew(std::unique_ptr<Form> form, const Form* owner) {
@@ -190,8 +202,16 @@ ScreenInfo Screen() {
 
 void DoEvents() { QCoreApplication::processEvents(); }
 
+namespace {
+
+bool IsPopup(const QWidget& window) { return window.testAttribute(Qt::WA_ShowWithoutActivating); }
+
+}  // namespace
+
 int MsgBox(const std::string& text, int flags) {
   QWidget* parent = QApplication::activeWindow();
+  // A popup can close under the box.
+  if (parent && IsPopup(*parent)) parent = nullptr;
   QMessageBox box(parent);
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setText(FromText(text));
@@ -218,27 +238,34 @@ int MsgBox(const std::string& text, int flags) {
 int SetForegroundWindow(std::uint32_t window) {
   const Control* control = ControlByHandle(window);
   if (!control) return 0;
-  Widget(*control)->raise();
-  Widget(*control)->activateWindow();
+  QWidget* widget = Widget(*control);
+  // A request for one that is not on the screen would bring it there, now or later.
+  if (!widget->isVisible() || widget->isMinimized()) return 0;
+  widget->raise();
+  widget->activateWindow();
   return 1;
 }
 
 bool AppActivate(const std::string& title) {
   const QString wanted = FromText(title);
+  QWidget* found = nullptr;
   for (QWidget* window : QApplication::topLevelWidgets()) {
     if (!window->isVisible() || window->windowTitle() != wanted) continue;
-    window->raise();
-    window->activateWindow();
-    return true;
+    // Popups have the main window's title, and are only taken when there is nothing else.
+    if (!found || IsPopup(*found)) found = window;
   }
-  return false;
+  if (!found) return false;
+  found->raise();
+  found->activateWindow();
+  return true;
 }
 
 int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int, int, std::uint32_t) {
   const Control* control = ControlByHandle(window);
   if (!control || after != HWND_TOPMOST) return 0;
-  Widget(*control)->setWindowFlag(Qt::WindowStaysOnTopHint);
-  Widget(*control)->move(x, y);
+  QWidget* widget = Widget(*control);
+  widget->setWindowFlag(Qt::WindowStaysOnTopHint);
+  widget->move(QPoint(x, y) + Origin(*widget));
   return 1;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <utility>
 #include <vector>
 
@@ -25,9 +26,12 @@ class FormWidget : public QWidget {
   /// Events that come from now on go nowhere.
   void Forget() { form_ = nullptr; }
   Form* Owner() const { return form_; }
+  /// The window's age on the pile of popups, from 1; 0 when it is not on it.
+  std::uint64_t PileNumber = 0;
 
  protected:
   void closeEvent(QCloseEvent* event) override;
+  void moveEvent(QMoveEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
   void changeEvent(QEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;

@@ -5,7 +5,10 @@
 #include <string_view>
 
 #include <QColor>
+#include <QGuiApplication>
 #include <QIcon>
+#include <QPoint>
+#include <QScreen>
 #include <QString>
 #include <QWidget>
 
@@ -28,6 +31,11 @@ constexpr int ToTwips(int pixels) { return pixels * TwipsPerPixel; }
 inline QWidget* Widget(NativeWidget* native) { return reinterpret_cast<QWidget*>(native); }
 inline QWidget* Widget(const Control& control) { return Widget(control.Native()); }
 inline NativeWidget* Native(QWidget* widget) { return reinterpret_cast<NativeWidget*>(widget); }
+
+/// Where places count from, in the toolkit's terms: a window's from the primary screen's corner.
+inline QPoint Origin(const QWidget& widget) {
+  return widget.isWindow() ? QGuiApplication::primaryScreen()->geometry().topLeft() : QPoint();
+}
 
 inline QString FromText(std::string_view text) {
   return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));

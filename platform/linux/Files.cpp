@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <climits>
 #include <cstdio>
-#include <cstring>
 #include <optional>
 #include <utility>
 #include <vector>
@@ -95,8 +94,9 @@ std::optional<std::string> FollowLinks(std::string path) {
     std::array<char, PATH_MAX> target;
     const ssize_t length = readlink(path.c_str(), target.data(), target.size());
     if (length < 0) return path;
-    const std::string text(target.data(), static_cast<std::size_t>(length));
-    path = text.starts_with('/') ? text : FolderOf(path) + text;
+    const std::string_view text(target.data(), static_cast<std::size_t>(length));
+    path.resize(text.starts_with('/') ? 0 : path.rfind('/') + 1);
+    path += text;
   }
   return std::nullopt;
 }
@@ -195,14 +195,10 @@ InputFile::InputFile(const std::string& path) {
 
 std::string InputFile::LineInput() {
   if (EndOfFile()) return {};
-  const char* const begin = content_.data() + position_;
-  const std::size_t left = content_.size() - position_;
-  const void* const end = std::memchr(begin, '\r', left);
-  if (end == nullptr && position_ == 0) return std::exchange(content_, {});
-  const std::size_t length =
-      end == nullptr ? left : static_cast<std::size_t>(static_cast<const char*>(end) - begin);
-  std::string line(begin, length);
-  position_ += length + 1;
+  const std::size_t end = content_.find('\r', position_);
+  if (end == std::string::npos && position_ == 0) return std::exchange(content_, {});
+  std::string line = content_.substr(position_, end - position_);
+  position_ += line.size() + 1;
   if (position_ < content_.size() && content_[position_] == '\n') ++position_;
   return line;
 }

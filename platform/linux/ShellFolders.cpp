@@ -28,7 +28,7 @@ std::string FromEnvironment(const char* variable) {
 }
 
 std::string XdgFolder(const char* variable, const char* belowHome) {
-  const std::string set = FromEnvironment(variable);
+  std::string set = FromEnvironment(variable);
   if (!set.empty()) return set;
   const std::string home = HomeFolder();
   return home.empty() ? std::string() : home + belowHome;
@@ -65,7 +65,7 @@ std::string CookieFolder() {
   const std::string user = UserName();
   const std::string home = HomeFolder();
   if (!user.empty() && !home.empty()) {
-    const std::string kept =
+    std::string kept =
         home + "/.wine/drive_c/users/" + user + "/AppData/Local/Microsoft/Windows/INetCookies";
     if (IsFolder(kept)) return kept;
   }
@@ -84,7 +84,7 @@ std::string RecentFolder() {
 }  // namespace
 
 std::string HomeFolder() {
-  const std::string set = FromEnvironment("HOME");
+  std::string set = FromEnvironment("HOME");
   if (!set.empty()) return set;
   const passwd* const entry = getpwuid(geteuid());
   return entry != nullptr && IsPath(entry->pw_dir) ? WithoutEndSeparators(entry->pw_dir)

@@ -11,8 +11,13 @@
 
 void LoadCookieList(platform::ListView& List) {
   List.Clear();
-  PublicDim.CookieRows = std::vector<CookieRow>(1);
-  if (PublicDim.KnownRows.empty() || PublicDim.KnownRows.front().FileName.empty()) return;
+  if (PublicDim.KnownRows.empty() || PublicDim.KnownRows.front().FileName.empty()) {
+    PublicDim.CookieRows = std::vector<CookieRow>(1);
+    return;
+  }
+  // The room of the old rows is kept for the new ones: a large array is dear to get anew.
+  PublicDim.CookieRows.clear();
+  PublicDim.CookieRows.emplace_back();
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

@@ -33,7 +33,7 @@ void DeleteSelectedCookieFiles(platform::ListView& List) {
   for (int position = List.Count(); position >= 1; --position) {
     const platform::ListView::ListItem row = List.Item(position);
     if (!row.Selected()) continue;
-    const std::string& name = row.SubItems(CookieFileCell);
+    const std::string name = row.SubItems(CookieFileCell);
     if (NamesOneFile(name)) platform::Kill(PublicDim.CookieDir + name);
     List.Remove(position);
   }

@@ -8,9 +8,9 @@
 
 #include "core/PublicDim.h"
 
-/// A record of a cookie file: nine lines, each ended by LF.
+/// A record of a cookie file: nine lines, each ended by LF. Its expiry lies at noon, UTC.
 inline std::string Record(std::string_view name, std::string_view value, std::string_view server,
-                          std::string_view highWord = "30000000") {
+                          std::string_view highWord = "29999938") {
   std::string record;
   for (const std::string_view line :
        {name, value, server, std::string_view("1536"), std::string_view("2915392512"), highWord,

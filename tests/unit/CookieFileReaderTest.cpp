@@ -20,13 +20,12 @@ namespace {
 void SetZone(const char* zone) {
   setenv("TZ", zone, 1);
   tzset();
-  std::this_thread::sleep_for(std::chrono::milliseconds(1010));
+  const time_t now = time(nullptr);
+  while (time(nullptr) == now) std::this_thread::sleep_for(std::chrono::milliseconds(10));
 }
 
 class CookieFileReader : public testing::Test {
  protected:
-  static void SetUpTestSuite() { SetZone("UTC"); }
-
   CookieFolder folder_;
 };
 
@@ -96,9 +95,7 @@ TEST_F(CookieFileReader, TakesTheLinesAsTheyStand) {
     std::vector<std::string> Rows;
   };
   const Case cases[] = {
-      {"a stray line shifts what follows",
-       good + "stray\n" + good,
-       {row, "stray|n|v|1601-01-01|a.txt|s|m"}},
+      {"a stray line shifts what follows", good + "stray\n" + good, {row, "stray|n|v|-|a.txt|s|m"}},
       {"CR LF ends the read", "n\r\nv\r\n" + good, {}},
       {"a CR loses its record and all behind", good + Record("a", "b\rc", "d") + good, {row}},
       {"a CR at the very end", good + "\r", {row}},

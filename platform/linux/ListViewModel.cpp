@@ -157,7 +157,7 @@ void ListViewModel::Cell(int row, int cell, std::string_view text) {
 namespace {
 
 struct SortEntry {
-  std::uint64_t Head;  ///< The key's first eight bytes, most significant first.
+  std::uint64_t Head;  ///< Eight bytes of the key, most significant first.
   std::string_view Key;
   std::uint32_t Added;
   std::uint32_t Row;
@@ -169,6 +169,20 @@ std::uint64_t HeadOf(std::string_view key) {
     head = (head << 8) | (i < key.size() ? static_cast<unsigned char>(key[i]) : 0u);
   }
   return head;
+}
+
+/// How many bytes all keys begin with in common, empty ones left out.
+std::size_t CommonPrefix(const std::vector<SortEntry>& entries) {
+  std::string_view prefix;
+  for (const SortEntry& entry : entries) {
+    if (entry.Key.empty()) continue;
+    if (prefix.empty()) prefix = entry.Key;
+    const auto [end, other] =
+        std::mismatch(prefix.begin(), prefix.end(), entry.Key.begin(), entry.Key.end());
+    prefix = prefix.substr(0, static_cast<std::size_t>(end - prefix.begin()));
+    if (prefix.empty()) break;
+  }
+  return prefix.size();
 }
 
 bool OrderedBefore(const SortEntry& one, const SortEntry& other, bool descending) {
@@ -202,8 +216,12 @@ std::vector<std::uint32_t> ListViewModel::Ordered(int column, bool descending) c
   std::size_t begin = 0;
   for (std::size_t i = 0; i < rows.size(); ++i) {
     const std::string_view key = std::string_view(keys).substr(begin, ends[i] - begin);
-    entries.push_back({HeadOf(key), key, rows_[rows[i]].Added(), rows[i]});
+    entries.push_back({0, key, rows_[rows[i]].Added(), rows[i]});
     begin = ends[i];
+  }
+  const std::size_t prefix = CommonPrefix(entries);
+  for (SortEntry& entry : entries) {
+    entry.Head = HeadOf(entry.Key.substr(std::min(prefix, entry.Key.size())));
   }
   std::sort(entries.begin(), entries.end(), [descending](const SortEntry& a, const SortEntry& b) {
     return OrderedBefore(a, b, descending);

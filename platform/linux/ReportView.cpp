@@ -41,8 +41,8 @@ class CellDelegate : public QStyledItemDelegate {
   }
 };
 
-/// After a sort a selection can consist of very many ranges. The toolkit compares each old one with
-/// each new one to find out what changed; dropping the old ones first leaves nothing to compare.
+/// After a sort a selection can consist of very many ranges. To find out what changed, the toolkit
+/// compares each old one with each new one; dropping all old ones first leaves nothing to compare.
 class RowSelection : public QItemSelectionModel {
  public:
   using QItemSelectionModel::QItemSelectionModel;
@@ -50,10 +50,33 @@ class RowSelection : public QItemSelectionModel {
 
   void select(const QItemSelection& rows, SelectionFlags command) override {
     constexpr int ManyRanges = 100;
-    if ((command & Clear) != 0 && selection().size() > ManyRanges) {
-      QItemSelectionModel::select(QItemSelection(), Clear);
+    QItemSelection ranges = selection();
+    const bool drops = (command & Clear) != 0;
+    if (ranges.size() <= ManyRanges || (!drops && (command & Current) != 0)) {
+      return QItemSelectionModel::select(rows, command);
     }
-    QItemSelectionModel::select(rows, command);
+    QItemSelectionModel::select(QItemSelection(), Clear);
+    if (drops) return QItemSelectionModel::select(rows, command);
+    ranges.merge(WholeRows(rows), command);
+    SelectRanges(ranges);
+  }
+
+  /// Selects these when nothing is selected. A range that the user then draws up with Ctrl and
+  /// Shift joins them.
+  void SelectRanges(const QItemSelection& ranges) {
+    QItemSelectionModel::select(ranges, Select);
+    QItemSelectionModel::select(QItemSelection(), Select);
+  }
+
+ private:
+  QItemSelection WholeRows(const QItemSelection& ranges) const {
+    QItemSelection rows;
+    const int lastColumn = model()->columnCount() - 1;
+    for (const QItemSelectionRange& range : ranges) {
+      rows.append(QItemSelectionRange(model()->index(range.top(), 0),
+                                      model()->index(range.bottom(), lastColumn)));
+    }
+    return rows;
   }
 };
 
@@ -252,9 +275,21 @@ void ReportView::RestoreSelection(std::vector<bool> selected) {
   }
   selectionWritten_ = false;
   selectionRead_ = false;
-  if (ranges.isEmpty() && !selectionModel()->hasSelection()) return;
-  selectionModel()->select(QItemSelection(), QItemSelectionModel::Clear);
-  selectionModel()->select(ranges, QItemSelectionModel::Select);
+  if (selectionModel()->hasSelection())
+    selectionModel()->select(QItemSelection(), QItemSelectionModel::Clear);
+  if (!ranges.isEmpty()) static_cast<RowSelection*>(selectionModel())->SelectRanges(ranges);
+}
+
+QItemSelectionModel::SelectionFlags ReportView::selectionCommand(const QModelIndex& index,
+                                                                 const QEvent* event) const {
+  const auto command = QTreeView::selectionCommand(index, event);
+  if (!event || !event->isInputEvent()) return command;
+  const auto modifiers = static_cast<const QInputEvent*>(event)->modifiers();
+  const bool rangeAlone = (modifiers & (Qt::ShiftModifier | Qt::ControlModifier)) ==
+                          Qt::KeyboardModifiers(Qt::ShiftModifier);
+  return rangeAlone && (command & QItemSelectionModel::Current) != 0
+             ? command | QItemSelectionModel::Clear
+             : command;
 }
 
 void ReportView::dataChanged(const QModelIndex& first, const QModelIndex& last,

@@ -61,6 +61,9 @@ class ReportView : public QTreeView {
   void showEvent(QShowEvent* event) override;
   void dataChanged(const QModelIndex& first, const QModelIndex& last,
                    const QList<int>& roles) override;
+  /// As the toolkit has it, but a range drawn up with Shift alone drops what was selected before.
+  QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                       const QEvent* event) const override;
   void selectionChanged(const QItemSelection& selected, const QItemSelection& deselected) override;
 
  private:

@@ -4,6 +4,7 @@
 #include <bit>
 #include <cstring>
 #include <limits>
+#include <malloc.h>
 #include <new>
 #include <numeric>
 #include <stdexcept>
@@ -46,7 +47,12 @@ void ListRow::Cell(int cell, std::string_view text) {
 void ListRow::Resize(std::size_t bytes) {
   if (bytes > std::numeric_limits<std::uint32_t>::max()) throw std::length_error("row too long");
   const std::size_t numbers = static_cast<std::size_t>(Cells()) + 2;
-  void* block = std::realloc(block_.get(), numbers * sizeof(std::uint32_t) + bytes);
+  const std::size_t size = numbers * sizeof(std::uint32_t) + bytes;
+  // A sort key comes into a cell and goes again: room for one stays.
+  constexpr std::size_t Spare = 64;
+  const std::size_t room = malloc_usable_size(block_.get());
+  if (size <= room && room <= size + Spare) return;
+  void* block = std::realloc(block_.get(), size);
   if (!block) throw std::bad_alloc();
   static_cast<void>(block_.release());
   block_.reset(static_cast<std::uint32_t*>(block));

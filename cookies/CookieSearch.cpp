@@ -35,6 +35,7 @@ std::string_view Trim(std::string_view text) {
 
 std::vector<std::string> SearchFieldNames() {
   std::vector<std::string> names;
+  names.reserve(SearchFields.size());
   for (const SearchField& field : SearchFields) names.emplace_back(field.Name);
   return names;
 }

@@ -276,6 +276,19 @@ class LabelWidget : public QLabel {
     setAlignment(Qt::AlignLeft | Qt::AlignTop);
   }
 
+  /// Draws a caption that is too wide for its label with narrower letters: faces differ, and the
+  /// places of the controls do not.
+  void FitCaption() {
+    SetStretch(QFont::Unstretched);
+    const int needed = fontMetrics().size(0, text()).width();
+    if (!wordWrap() && needed > width() && width() > 0) SetStretch(100 * width() / needed);
+  }
+
+  void FitToCaption() {
+    SetStretch(QFont::Unstretched);
+    adjustSize();
+  }
+
  protected:
   void mouseReleaseEvent(QMouseEvent* event) override {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) Press();
@@ -306,6 +319,12 @@ class LabelWidget : public QLabel {
     if (owner_.Click) owner_.Click();
   }
 
+  void SetStretch(int percent) {
+    QFont narrowed = font();
+    narrowed.setStretch(percent);
+    setFont(narrowed);
+  }
+
   Label& owner_;
 };
 
@@ -318,16 +337,22 @@ Label::Label(Container& parent, const Design& design)
 
 std::string Label::Caption() const { return ToText(static_cast<QLabel*>(Widget(*this))->text()); }
 void Label::Caption(std::string_view text) {
-  static_cast<QLabel*>(Widget(*this))->setText(FromText(text));
+  auto* label = static_cast<LabelWidget*>(Widget(*this));
+  label->setText(FromText(text));
+  label->FitCaption();
 }
 
 void Label::Centered() {
   static_cast<QLabel*>(Widget(*this))->setAlignment(Qt::AlignHCenter | Qt::AlignTop);
 }
 
-void Label::WordWrap() { static_cast<QLabel*>(Widget(*this))->setWordWrap(true); }
+void Label::WordWrap() {
+  auto* label = static_cast<LabelWidget*>(Widget(*this));
+  label->setWordWrap(true);
+  label->FitCaption();
+}
 
-void Label::AutoSize() { Widget(*this)->adjustSize(); }
+void Label::AutoSize() { static_cast<LabelWidget*>(Widget(*this))->FitToCaption(); }
 
 void Label::Link() {
   Widget(*this)->setCursor(Qt::PointingHandCursor);

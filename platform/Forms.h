@@ -269,6 +269,9 @@ class Form : public Container {
   void PopupMenu(const Menu& menu);
 
   virtual void Form_Load() {}
+  /// The window is about to be on the screen for the first time. A popup may make its controls
+  /// here: one that lies under many newer ones need not get there before it closes.
+  virtual void Form_FirstShow() {}
   /// The window is about to close, by its close box, by `Unload` or by the end of the session.
   virtual void Form_Unload() {}
   /// Size or state changed, or the window shows for the first time.

@@ -26,22 +26,25 @@ constexpr std::uint32_t Blue = 0x0000FF;
 
 }  // namespace
 
-FormMsg::FormMsg()
-    : Form(Popup),
-      Label1(*this,
+FormMsg::FormMsg() : Form(Popup), Timer1(TickMilliseconds, true) {
+  Timer1.Tick = [this] { Timer1_Timer(); };
+}
+
+FormMsg::Controls::Controls(FormMsg& form)
+    : Label1(form,
              {.Name = "Label1", .Caption = "Msg", .At = {180, 165, 3045, 630}, .TabIndex = 0}),
       CmdClose(
-          *this,
+          form,
           {.Name = "CmdClose", .Caption = "&Close", .At = {1890, 840, 960, 360}, .TabIndex = 1}),
-      CmdView(*this,
-              {.Name = "CmdView", .Caption = "&View", .At = {585, 840, 960, 360}, .TabIndex = 2}),
-      Timer1(TickMilliseconds, true) {
+      CmdView(form,
+              {.Name = "CmdView", .Caption = "&View", .At = {585, 840, 960, 360}, .TabIndex = 2}) {
   Label1.Centered();
   Label1.WordWrap();
   Label1.ForeColor(Blue);
-  CmdClose.Click = [this] { CmdClose_Click(); };
-  CmdView.Click = [this] { CmdView_Click(); };
-  Timer1.Tick = [this] { Timer1_Timer(); };
+  Label1.Caption(form.Text);
+  if (!form.CanView) CmdView.Enabled(false);
+  CmdClose.Click = [&form] { form.CmdClose_Click(); };
+  CmdView.Click = [&form] { form.CmdView_Click(); };
 }
 
 void FormMsg::Form_Load() {
@@ -49,12 +52,14 @@ void FormMsg::Form_Load() {
   platform::SetWindowPos(hWnd(), platform::HWND_TOPMOST, Left() / screen.TwipsPerPixelX,
                          Top() / screen.TwipsPerPixelY, Width() / screen.TwipsPerPixelX,
                          Height() / screen.TwipsPerPixelY, 0);
-  Label1.Caption(PublicDim.MsgText);
+  Text = PublicDim.MsgText;
+  CanView = PublicDim.MsgCanView;
   Ticks = 0;
   Left(screen.Width - Width() - RightMargin);
   Top(screen.Height - Height() - BottomMargin);
-  if (!PublicDim.MsgCanView) CmdView.Enabled(false);
 }
+
+void FormMsg::Form_FirstShow() { Shown = std::make_unique<Controls>(*this); }
 
 void FormMsg::Timer1_Timer() {
   Ticks += 1;

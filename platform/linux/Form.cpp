@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <malloc.h>
 #include <map>
 #include <utility>
 
@@ -17,6 +18,7 @@
 #include "platform/linux/FormWidget.h"
 #include "platform/linux/PopupPile.h"
 #include "platform/linux/Widgets.h"
+#include "platform/linux/XServer.h"
 
 namespace platform {
 
@@ -45,9 +47,11 @@ struct Form::State {
 /// to where the window's own procedure was called from.
 class FormReaper : public QObject {
  public:
-  explicit FormReaper(std::unique_ptr<Form> form) : form_(std::move(form)) {}
+  explicit FormReaper(std::unique_ptr<Form> form) : form_(std::move(form)) { ++waiting_; }
+  ~FormReaper() override;
 
  private:
+  inline static std::size_t waiting_ = 0;
   std::unique_ptr<Form> form_;
 };
 
@@ -58,13 +62,31 @@ std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
   return forms;
 }
 
+/// Gives the memory of a storm of windows back to the system, which the allocator would keep.
+void GiveBackMemory(std::size_t stillKept) {
+  constexpr std::size_t Storm = 1000;
+  static std::size_t most = 0;
+  most = std::max(most, stillKept);
+  if (stillKept > 0 || most < Storm) return;
+  most = 0;
+  malloc_trim(0);
+}
+
 }  // namespace
 
+FormReaper::~FormReaper() {
+  form_.reset();
+  GiveBackMemory(KeptForms().size() + --waiting_);
+}
+
 FormWidget::FormWidget(Form& form, const FormDesign& design)
-    : QWidget(nullptr, Flags(design)), form_(&form) {
+    : QWidget(nullptr, Flags(design)), form_(&form), inTaskbar_(design.ShowInTaskbar) {
   setObjectName(design.Name);
   setWindowTitle(design.Caption);
-  setWindowIcon(QIcon(":/assets/quillmere.ico"));
+  // One icon for all windows: read for each, it would cost most of what a window costs.
+  if (QApplication::windowIcon().isNull()) {
+    QApplication::setWindowIcon(QIcon(":/assets/quillmere.ico"));
+  }
   setMouseTracking(true);
 }
 
@@ -91,6 +113,16 @@ void FormWidget::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void FormWidget::AddTabStop(int index, QWidget* widget) { tabStops_.emplace_back(index, widget); }
+
+void FormWidget::ComeUp() {
+  if (!std::exchange(cameUp_, true)) {
+    if (form_) form_->Form_FirstShow();
+    ApplyTabOrder();
+  }
+  // Window managers forget it of a window that leaves the screen.
+  if (!inTaskbar_ && !isVisible()) LeaveTaskbar(static_cast<xcb_window_t>(winId()));
+  show();
+}
 
 void FormWidget::ApplyTabOrder() {
   std::stable_sort(tabStops_.begin(), tabStops_.end(),
@@ -128,7 +160,6 @@ Form::~Form() {
 
 void Form::Load() {
   if (std::exchange(state_->Loaded, true)) return;
-  state_->Window->ApplyTabOrder();
   if (state_->Design.CenterScreen) {
     const ScreenInfo screen = Screen();
     Left((screen.Width - Width()) / 2);
@@ -146,7 +177,7 @@ void Form::Show(const Form* owner) {
     window->windowHandle()->setTransientParent(Widget(*owner)->windowHandle());
   }
   if (state_->Design.ShowWithoutActivating) return PutOnPile(*state_->Window);
-  window->show();
+  state_->Window->ComeUp();
 }
 
 void Form::Hide() {

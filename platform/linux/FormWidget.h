@@ -22,7 +22,8 @@ class FormWidget : public QWidget {
 
   /// Notes a control's place in the tab order, over all containers of the window.
   void AddTabStop(int index, QWidget* widget);
-  void ApplyTabOrder();
+  /// Shows the window, complete with what it makes when it is shown for the first time.
+  void ComeUp();
   /// Events that come from now on go nowhere.
   void Forget() { form_ = nullptr; }
   Form* Owner() const { return form_; }
@@ -37,7 +38,11 @@ class FormWidget : public QWidget {
   void mouseMoveEvent(QMouseEvent* event) override;
 
  private:
+  void ApplyTabOrder();
+
   Form* form_;
+  bool inTaskbar_;
+  bool cameUp_ = false;
   std::vector<std::pair<int, QWidget*>> tabStops_;
 };
 

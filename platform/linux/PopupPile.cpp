@@ -88,7 +88,7 @@ class PopupPile {
   void Show(const std::vector<FormWidget*>& coming) {
     if (coming.empty()) return;
     const std::uint64_t oldest = coming.back()->PileNumber;
-    std::for_each(coming.rbegin(), coming.rend(), [](FormWidget* window) { window->show(); });
+    std::for_each(coming.rbegin(), coming.rend(), [](FormWidget* window) { window->ComeUp(); });
     // A window that comes up again stays under the newer ones that it came up beside.
     for (auto each = windows_.upper_bound(oldest); each != windows_.end(); ++each) {
       const bool stayed = std::find(coming.begin(), coming.end(), each->second) == coming.end();

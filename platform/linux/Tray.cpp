@@ -1,8 +1,5 @@
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <string_view>
-#include <xcb/xcb.h>
 
 #include <QAbstractNativeEventFilter>
 #include <QApplication>
@@ -17,6 +14,7 @@
 #include "platform/Forms.h"
 #include "platform/Shell.h"
 #include "platform/linux/Widgets.h"
+#include "platform/linux/XServer.h"
 
 namespace platform {
 
@@ -36,18 +34,15 @@ class EmbeddingTray : public QObject, public QAbstractNativeEventFilter {
 
  public:
   EmbeddingTray() {
-    auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    // Other platform plugins offer the interface too, without a connection.
-    if (!x11 || QGuiApplication::platformName() != QLatin1String("xcb")) return;
-    connection_ = x11->connection();
-    selection_ = Atom("_NET_SYSTEM_TRAY_S0");
-    manager_ = Atom("MANAGER");
+    if (!connection_) return;
+    selection_ = XAtom("_NET_SYSTEM_TRAY_S0");
+    manager_ = XAtom("MANAGER");
     qApp->installNativeEventFilter(this);
   }
 
   bool IsThere() const {
     if (!connection_) return false;
-    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         connection_, xcb_get_selection_owner(connection_, selection_), nullptr));
     return reply && reply->owner != XCB_NONE;
   }
@@ -65,20 +60,7 @@ class EmbeddingTray : public QObject, public QAbstractNativeEventFilter {
   void Came();
 
  private:
-  struct Free {
-    void operator()(void* reply) const { free(reply); }
-  };
-  template <typename T>
-  using Reply = std::unique_ptr<T, Free>;
-
-  xcb_atom_t Atom(std::string_view name) const {
-    const auto length = static_cast<std::uint16_t>(name.size());
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-        connection_, xcb_intern_atom(connection_, 0, length, name.data()), nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_NONE};
-  }
-
-  xcb_connection_t* connection_ = nullptr;
+  xcb_connection_t* const connection_ = XConnection();
   xcb_atom_t selection_ = XCB_NONE;
   xcb_atom_t manager_ = XCB_NONE;
 };

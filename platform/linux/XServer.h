@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+#include <xcb/xcb.h>
+
+namespace platform {
+
+/// The connection to the X server, or none on another kind of display.
+xcb_connection_t* XConnection();
+
+xcb_atom_t XAtom(std::string_view name);
+
+/// An answer of the server, which its library allocates.
+struct FreeReply {
+  void operator()(void* reply) const { std::free(reply); }
+};
+template <typename T>
+using XReply = std::unique_ptr<T, FreeReply>;
+
+/// Keeps a window that is not on the screen yet out of taskbars and pagers; silent without X. The
+/// kind of window alone is not enough for each of them.
+void LeaveTaskbar(xcb_window_t window);
+
+}  // namespace platform

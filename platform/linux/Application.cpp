@@ -20,7 +20,7 @@
 namespace platform {
 
 const std::string_view PathSeparator = "/";
-const std::string_view ExeSuffix = "";
+const std::string_view ExeSuffix;
 
 namespace {
 

@@ -71,7 +71,7 @@ class Desktop:
             "LANG": "C.UTF-8",
         }
 
-    def open(self, window_manager):
+    def open(self):
         self.env["DISPLAY"] = ":" + self._answer(
             "Xvfb", "-displayfd", "1", "-noreset", "-screen", "0", "1280x1024x24",
             "-nolisten", "tcp")
@@ -82,10 +82,9 @@ class Desktop:
         wait_until(lambda: "org.a11y.Bus" in run(
             "dbus-send", "--session", "--print-reply", "--dest=org.freedesktop.DBus", "/",
             "org.freedesktop.DBus.ListNames"), "the accessibility bus")
-        if window_manager:
-            self.start("openbox", "--sm-disable")
-            wait_until(lambda: "window id #" in run(
-                "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False), "the window manager")
+        self.start("openbox", "--sm-disable")
+        wait_until(lambda: "window id #" in run(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False), "the window manager")
 
     def start(self, *command, **options):
         options.setdefault("stdout", subprocess.DEVNULL)
@@ -336,13 +335,11 @@ SAVE_LOG = b"SaveLog=True\r\nToTray=True\r\nPlaySound1=False\r\nPlaySound2=False
 class DesktopTest(unittest.TestCase):
     """A test file's desktop, and programs that end with their test."""
 
-    window_manager = True
-
     @classmethod
     def setUpClass(cls):
         cls.desktop = Desktop()
         cls.addClassCleanup(cls.desktop.close)
-        cls.desktop.open(cls.window_manager)
+        cls.desktop.open()
 
     def program(self, **options):
         program = Program(self.desktop, **options)

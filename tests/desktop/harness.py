@@ -216,22 +216,28 @@ class Program:
                             "^Quillmere$", check=False).split()
                 sizes = {}
                 for number in found:
-                    with contextlib.suppress(subprocess.CalledProcessError):
-                        sizes[number] = self.geometry(number)[2]
+                    if told := self.window_info(number):
+                        sizes[number] = int(told["Width"])
                 best = max(sizes, key=sizes.get, default=None)
                 return best if best and sizes[best] >= 500 else None
             self.window = wait_until(largest, "the main window")
         return self.window
 
+    def window_info(self, window):
+        """What the X server tells of a window; nothing while its frame comes or goes."""
+        text = run("xwininfo", "-id", window, check=False)
+        return dict(re.findall(r"^ *(.+): +(\S+)$", text, re.MULTILINE))
+
     def geometry(self, window=None):
         """Left, top, width and height of the window without its frame, in pixels."""
-        text = run("xwininfo", "-id", window or self.find_window())
-        values = dict(re.findall(r"^ *(.+): +(\d+)$", text, re.MULTILINE))
-        return tuple(int(values[key]) for key in (
+        window = window or self.find_window()
+        told = wait_until(lambda: self.window_info(window), "the window's place")
+        return tuple(int(told[key]) for key in (
             "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
     def mapped(self):
-        return "Map State: IsViewable" in run("xwininfo", "-id", self.find_window())
+        told = wait_until(lambda: self.window_info(self.find_window()), "the window's state")
+        return told["Map State"] == "IsViewable"
 
     def window_states(self):
         return run("xprop", "-id", self.find_window(), "_NET_WM_STATE", "WM_STATE")

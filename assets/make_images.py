@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Draws the program's pictures: a quill over a cookie.
 
-Writes quillmere.ico, tray.ico and about.gif beside this script. The same run gives the same bytes;
-only the standard library is used.
+Writes quillmere.ico, tray.ico and about.gif beside this script, and for dense screens tray@2x.ico
+and about@2x.gif. The same run gives the same bytes; only the standard library is used.
 """
 
 import math
@@ -258,8 +258,8 @@ def write_gif(name, rows):
         + blocks + b"\0;")
 
 
-def about_picture(width, height):
-    """The quill and its cookie by the water, on white."""
+def about_picture(width, height, scale):
+    """The quill and its cookie by the water, on white; `scale` pixels a unit of length."""
     size = 92
     left, top = (width - size) / 2 + 4, 1
     at = painter(size)
@@ -276,10 +276,12 @@ def about_picture(width, height):
                 return SHADE
         return (255, 255, 255)
 
-    return draw(width, height, colour)
+    return draw(width * scale, height * scale, lambda x, y: colour(x / scale, y / scale))
 
 
 if __name__ == "__main__":
     write_icon("quillmere.ico", [(32, 8), (16, 8), (48, 32), (32, 32), (24, 32), (16, 32)])
     write_icon("tray.ico", [(16, 4)])
-    write_gif("about.gif", about_picture(111, 98))
+    write_icon("tray@2x.ico", [(32, 32)])
+    write_gif("about.gif", about_picture(111, 98, 1))
+    write_gif("about@2x.gif", about_picture(111, 98, 2))

@@ -17,6 +17,8 @@ constexpr platform::FormDesign AboutBox{.Name = "FormAbout",
 constexpr const char* Mailbox = "support@quillmere.example";
 constexpr const char* WebAddress = "https://www.quillmere.example/";
 constexpr std::uint32_t Grey = 0x808080;
+constexpr std::uint32_t White = 0xFFFFFF;
+constexpr std::uint32_t Black = 0x000000;
 
 }  // namespace
 
@@ -49,8 +51,10 @@ FormAbout::FormAbout()
                         .TabIndex = 6}),
       Line1(*this, {.Name = "Line1", .At = {90, 2730, 5300, 0}}, Grey),
       Line2(*this, {.Name = "Line2", .At = {90, 2760, 5300, 0}}, platform::vbTitleBarText) {
-  Picture1.BackColor(platform::vbTitleBarText);
-  Label3.BackColor(platform::vbTitleBarText);
+  // The picture is drawn on white; a dark panel would frame it.
+  Picture1.BackColor(White);
+  Label3.BackColor(White);
+  Label3.ForeColor(Black);
   Label1.AutoSize();
   Label2.AutoSize();
   const auto open = [this](const std::string& target) {

@@ -38,6 +38,8 @@ TEST(Assets, PicturesOfTheRightKindsInEveryProgram) {
   EXPECT_EQ(ImagesOf(":/assets/tray.ico"), (Images{{16, 4}}));
 
   EXPECT_EQ(QImage(":/assets/about.gif").size(), QSize(111, 98));
+  EXPECT_EQ(QImage(":/assets/about@2x.gif").size(), QSize(222, 196));
+  EXPECT_EQ(QImage(":/assets/tray@2x.ico").size(), QSize(32, 32));
   const QList<QSize> sizes = QIcon(":/assets/quillmere.ico").availableSizes();
   for (const int side : {16, 24, 32, 48}) EXPECT_TRUE(sizes.contains(QSize(side, side))) << side;
   const QImage tray(":/assets/tray.ico");

@@ -2,6 +2,7 @@
 #include <utility>
 
 #include <QAbstractButton>
+#include <QAccessibleWidget>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
@@ -185,6 +186,7 @@ CommandButton::CommandButton(Container& parent, const Design& design)
     : Control(parent, design,
               ::platform::Native(new QPushButton(FromText(design.Caption), Widget(parent)))) {
   auto* button = static_cast<QPushButton*>(Widget(*this));
+  button->setAutoDefault(true);  // Enter presses the button that has the focus
   QObject::connect(button, &QPushButton::clicked, [this] {
     if (Click) Click();
   });
@@ -289,6 +291,10 @@ class LabelWidget : public QLabel {
     adjustSize();
   }
 
+  void Press() {
+    if (owner_.Click) owner_.Click();
+  }
+
  protected:
   void mouseReleaseEvent(QMouseEvent* event) override {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) Press();
@@ -315,10 +321,6 @@ class LabelWidget : public QLabel {
   }
 
  private:
-  void Press() {
-    if (owner_.Click) owner_.Click();
-  }
-
   void SetStretch(int percent) {
     QFont narrowed = font();
     narrowed.setStretch(percent);
@@ -326,6 +328,33 @@ class LabelWidget : public QLabel {
   }
 
   Label& owner_;
+};
+
+/// What screen readers are told of a label that is a link.
+class AccessibleLink : public QAccessibleWidget {
+ public:
+  explicit AccessibleLink(LabelWidget& label)
+      : QAccessibleWidget(&label, QAccessible::Link), label_(label) {}
+
+  QString text(QAccessible::Text kind) const override {
+    return kind == QAccessible::Name ? label_.text() : QAccessibleWidget::text(kind);
+  }
+
+  QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
+
+  void doAction(const QString& name) override {
+    if (name == pressAction()) return label_.Press();
+    QAccessibleWidget::doAction(name);
+  }
+
+  static QAccessibleInterface* Make(const QString&, QObject* object) {
+    auto* label = dynamic_cast<LabelWidget*>(object);
+    const bool isLink = label && label->focusPolicy() != Qt::NoFocus;
+    return isLink ? new AccessibleLink(*label) : nullptr;
+  }
+
+ private:
+  LabelWidget& label_;
 };
 
 }  // namespace
@@ -355,6 +384,7 @@ void Label::WordWrap() {
 void Label::AutoSize() { static_cast<LabelWidget*>(Widget(*this))->FitToCaption(); }
 
 void Label::Link() {
+  QAccessible::installFactory(AccessibleLink::Make);  // once, however often it is called
   Widget(*this)->setCursor(Qt::PointingHandCursor);
   Widget(*this)->setFocusPolicy(Qt::StrongFocus);
 }

@@ -21,12 +21,15 @@ void RunOneWatch(const WatchControls& controls) {
   PublicDim.FirstScanRunning = false;
   if (!PublicDim.StopRequested) return StartWatch(PublicDim.CookieDir);
   PublicDim.WatchStopping = true;
-  ShowWatching(controls, false);
 }
 
 }  // namespace
 
 void StartClicked(const WatchControls& controls) {
+  if (PublicDim.FirstScanRunning) {
+    PublicDim.StopRequested = false;
+    return ShowWatching(controls, true);
+  }
   if (PublicDim.WatchOnStack || PublicDim.ScanRunning) {
     PublicDim.StartRequested = true;
     ShowWatching(controls, true);
@@ -50,7 +53,7 @@ void StopClicked(const WatchControls& controls) {
   }
   if (PublicDim.FirstScanRunning) {
     PublicDim.StopRequested = true;
-    return;
+    return ShowWatching(controls, false);
   }
   StopWatch();
   // A start that came inside the stop's own yield came after a second stop there, and holds.

@@ -21,7 +21,7 @@ struct WatchControls {
 void StartClicked(const WatchControls& controls);
 
 /// Ends the watch, or a start not carried out yet. Inside the first scan the stop is noted and
-/// honoured at the scan's end.
+/// honoured at the scan's end, unless a start takes it back.
 void StopClicked(const WatchControls& controls);
 
 /// Tick of `TimerStart`: a noted start, as soon as no scan is under way.

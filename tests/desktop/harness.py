@@ -306,7 +306,9 @@ class Program:
     def control(self, role, name):
         """The control of that role and name; the first one where there are several."""
         def first():
-            return self.application() and next(self.controls(role, name), None)
+            from gi.repository import GLib
+            with contextlib.suppress(GLib.Error):  # one that went while it was looked at
+                return self.application() and next(self.controls(role, name), None)
         return wait_until(first, f"{role} '{name}'")
 
     def button(self, caption):

@@ -6,6 +6,7 @@
 #include "cookies/modSortListView.h"
 #include "core/PublicDim.h"
 #include "monitor/Comparison.h"
+#include "platform/Files.h"
 #include "platform/Forms.h"
 
 namespace {
@@ -40,9 +41,13 @@ void Compare(const Snapshot& known, const Snapshot& current) {
   ReportDifferences(known, current, reports);
 }
 
-void ClearCookieRows() { PublicDim.CookieRows = std::vector<CookieRow>(1); }
+void ClearCookieRows() {
+  PublicDim.CookieRows.clear();
+  PublicDim.CookieRows.emplace_back();
+}
 
 void ReadCookies() {
+  const platform::FolderAtHand folder(PublicDim.CookieDir);
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

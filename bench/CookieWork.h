@@ -19,6 +19,7 @@ Snapshot Renamed(Snapshot rows);
 /// The matching of two snapshots, with reports that do nothing.
 void Compare(const Snapshot& known, const Snapshot& current);
 
+/// As a rebuild of the list begins: the room of the old rows stays.
 void ClearCookieRows();
 /// All files of the baseline into `CookieRows`, which is clear.
 void ReadCookies();

@@ -42,9 +42,15 @@ double LeadingNumber(std::string_view text) {
   return negative ? -number : number;
 }
 
-void AppendRecords(const std::vector<std::string_view>& pieces, const std::string& fileName,
-                   const std::string& fileSize, const std::string& modified,
-                   std::vector<CookieRow>& rows) {
+using Pieces = std::vector<std::string_view>;
+
+/// A search for a single character is many times as fast as one for a text of that length.
+std::size_t Find(std::string_view text, std::string_view wanted, std::size_t from) {
+  return wanted.size() == 1 ? text.find(wanted.front(), from) : text.find(wanted, from);
+}
+
+void AppendRecords(const Pieces& pieces, const std::string& fileName, const std::string& fileSize,
+                   const std::string& modified, std::vector<CookieRow>& rows) {
   const std::size_t records = pieces.size() / LinesOfRecord;
   for (std::size_t r = 0; r < records; ++r) {
     const std::string_view* line = &pieces[r * LinesOfRecord];
@@ -70,7 +76,7 @@ void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
   // Lines of the file end in LF alone, so what is one line to the platform is the whole content, or
   // all that stands before the first CR.
   const std::string content = platform::TextFromCodePage(file.LineInput());
-  const std::vector<std::string_view> pieces = SplitText(content, "\n");
+  const Pieces pieces = SplitText(content, "\n");
   if (pieces.size() < LinesOfRecord) return;
 
   if (Target == TargetCookieRows) {
@@ -83,12 +89,12 @@ void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
 }
 
 std::vector<std::string_view> SplitText(std::string_view Text, std::string_view Delimiter) {
-  constexpr std::size_t UsualPieces = 100;
-  std::vector<std::string_view> pieces;
+  constexpr std::size_t UsualPieces = 64;
+  Pieces pieces;
   pieces.reserve(UsualPieces);
   std::size_t position = 0;
   while (!Delimiter.empty()) {
-    const std::size_t end = Text.find(Delimiter, position);
+    const std::size_t end = Find(Text, Delimiter, position);
     if (end == std::string_view::npos) break;
     pieces.push_back(Text.substr(position, end - position));
     position = end + Delimiter.size();

@@ -7,6 +7,7 @@
 #include "cookies/CookieFileReader.h"
 #include "cookies/modSortListView.h"
 #include "core/PublicDim.h"
+#include "platform/Files.h"
 #include "platform/Forms.h"
 
 void LoadCookieList(platform::ListView& List) {
@@ -18,6 +19,7 @@ void LoadCookieList(platform::ListView& List) {
   // The room of the old rows is kept for the new ones: a large array is dear to get anew.
   PublicDim.CookieRows.clear();
   PublicDim.CookieRows.emplace_back();
+  const platform::FolderAtHand folder(PublicDim.CookieDir);
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

@@ -55,6 +55,16 @@ class InputFile {
   bool open_ = false;
 };
 
+/// For a scope in which many files of one folder are opened: what the folder tells of all of them
+/// is read once and not asked for each. One at a time.
+class FolderAtHand {
+ public:
+  explicit FolderAtHand(const std::string& folder);
+  FolderAtHand(const FolderAtHand&) = delete;
+  FolderAtHand& operator=(const FolderAtHand&) = delete;
+  ~FolderAtHand();
+};
+
 /// Gives a file new content. What was there before, or all of the new content, is what any reader
 /// finds at any moment, also after a full disk or a kill. False when the old content stayed.
 bool ReplaceFile(const std::string& path, std::string_view content);

@@ -1,9 +1,11 @@
 #include "platform/Files.h"
 
+#include <array>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <optional>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -150,6 +152,65 @@ class Successor {
   bool placed_ = false;
 };
 
+/// The folder of the `FolderAtHand` that lives.
+class Listing {
+ public:
+  Listing() = default;
+  explicit Listing(const std::string& path) : path_(path) {
+    DirectoryReader reader(path);
+    if (!reader.IsOpen()) return;
+    folder_ = Descriptor(openat(reader.Folder(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    DirectoryReader::Entry entry;
+    while (reader.Next(entry)) {
+      if (entry.Type == DT_REG) regular_.append(entry.Name).append(1, '\0');
+    }
+  }
+
+  int Folder() const { return folder_.Number(); }
+
+  /// Whether the directory has told that this is a regular file. Names are asked for in about the
+  /// order of the directory; a no for one that is out of order means nothing.
+  bool TellsRegular(std::string_view folder, std::string_view name) {
+    if (!folder_ || folder != path_) return false;
+    constexpr int MostSkipped = 16;
+    std::size_t at = next_;
+    for (int i = 0; i <= MostSkipped && at < regular_.size(); ++i) {
+      const std::string_view listed(regular_.c_str() + at);
+      at += listed.size() + 1;
+      if (listed != name) continue;
+      next_ = at;
+      return true;
+    }
+    return false;
+  }
+
+ private:
+  std::string path_;
+  Descriptor folder_;
+  std::string regular_;  ///< Names in the order of the directory, each ended by a NUL.
+  std::size_t next_ = 0;
+};
+
+Listing& AtHand() {
+  static Listing folder;
+  return folder;
+}
+
+/// An ordinary file opened for reading; nothing for any other. The look comes before the open: a
+/// pipe or a device must not even be opened.
+Descriptor OpenOrdinary(const std::string& path) {
+  constexpr int Flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  const std::size_t nameBegin = path.rfind('/') + 1;
+  const std::string_view name = std::string_view(path).substr(nameBegin);
+  if (!IsPath(path) || name.starts_with('.')) return {};
+  Listing& known = AtHand();
+  if (known.TellsRegular(std::string_view(path).substr(0, nameBegin), name)) {
+    return Descriptor(openat(known.Folder(), name.data(), Flags));
+  }
+  if (!IsOrdinaryFile(AT_FDCWD, path.c_str())) return {};
+  return Descriptor(open(path.c_str(), Flags));
+}
+
 }  // namespace
 
 std::string Dir(const std::string& pattern, int attributes) {
@@ -170,27 +231,20 @@ bool Kill(const std::string& path) {
 
 bool MkDir(const std::string& path) { return IsPath(path) && mkdir(path.c_str(), 0777) == 0; }
 
+FolderAtHand::FolderAtHand(const std::string& folder) { AtHand() = Listing(folder); }
+FolderAtHand::~FolderAtHand() { AtHand() = {}; }
+
 InputFile::InputFile(const std::string& path) {
-  const char* const name = path.c_str() + path.rfind('/') + 1;
-  struct stat info;
-  // The look comes before the open: a pipe or a device must not even be opened.
-  if (!IsPath(path) || name[0] == '.' || stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) {
-    return;
-  }
-  const Descriptor file(open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  const Descriptor file = OpenOrdinary(path);
   if (!file) return;
-  // One byte more than the file has: a read that leaves room has met the end.
-  std::size_t filled = 0;
-  std::size_t room = static_cast<std::size_t>(info.st_size) + 1;
+  std::array<char, 65536> buffer;
   ssize_t got = 0;
   do {
-    content_.resize(filled + room);
-    got = read(file.Number(), content_.data() + filled, room);
-    if (got > 0) filled += static_cast<std::size_t>(got);
-    room = filled < content_.size() ? content_.size() - filled : content_.size();
-  } while (got > 0 && filled == content_.size());
+    got = read(file.Number(), buffer.data(), buffer.size());
+    if (got > 0) content_.append(buffer.data(), static_cast<std::size_t>(got));
+  } while (got == static_cast<ssize_t>(buffer.size()));  // one that leaves room has met the end
   open_ = got >= 0;
-  content_.resize(open_ ? filled : 0);
+  if (!open_) content_.clear();
 }
 
 std::string InputFile::LineInput() {

@@ -196,16 +196,34 @@ TEST(Files, InputEndsLinesAtCarriageReturns) {
   }
 }
 
-TEST(Files, InputOpensOrdinaryFilesOnly) {
-  const Mixture folder;
+void ExpectOrdinaryFilesOnly(const TemporaryFolder& folder) {
   for (const char* name : {"a.txt", "link.txt", "locked.txt"}) {
-    EXPECT_TRUE(InputFile(folder.Path(name)).IsOpen()) << name;
+    InputFile file(folder.Path(name));
+    EXPECT_TRUE(file.IsOpen()) << name;
+    EXPECT_EQ(file.LineInput(), folder.Read(name));
   }
   for (const char* name : {".hidden.txt", "pipe.txt", "sub.txt", "broken.txt", "none.txt", ""}) {
     InputFile file(folder.Path(name));
     EXPECT_FALSE(file.IsOpen() || !file.EndOfFile()) << name;
   }
   EXPECT_FALSE(InputFile("/dev/tty").IsOpen());
+}
+
+TEST(Files, InputOpensOrdinaryFilesOnly) {
+  const Mixture folder;
+  ExpectOrdinaryFilesOnly(folder);
+}
+
+TEST(Files, AFolderAtHandChangesNothingOfWhatInputFinds) {
+  const Mixture folder;
+  const FolderAtHand atHand(folder.Path());
+  ExpectOrdinaryFilesOnly(folder);
+  ExpectOrdinaryFilesOnly(folder);  // in another order than that of the directory
+  EXPECT_TRUE(InputFile(folder.Write("later.txt", "made since")).IsOpen());
+  std::filesystem::remove(folder.Path("a.txt"));
+  EXPECT_FALSE(InputFile(folder.Path("a.txt")).IsOpen());
+  const TemporaryFolder other;
+  EXPECT_TRUE(InputFile(other.Write("link.txt", "of another folder")).IsOpen());
 }
 
 TEST(Files, ReplaceKeepsModeAndLinksAndLeavesNothingBehind) {

@@ -7,6 +7,7 @@
 #include "cookies/CookieFileReader.h"
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
+#include "platform/Files.h"
 
 namespace {
 
@@ -29,6 +30,7 @@ int main(int argc, char** argv) {
   PublicDim.CookieDir = std::string(argv[1]) + "/";
   TakeFirstSnapshot();
   PublicDim.CookieRows.resize(1);
+  const platform::FolderAtHand folder(PublicDim.CookieDir);
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

@@ -4,17 +4,18 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
+#include <system_error>
 #include <unistd.h>
 
 #include <QApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <QFont>
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QStringList>
 
 #include "platform/Forms.h"
+#include "platform/linux/Paths.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {
@@ -54,6 +55,13 @@ QFont DialogFont() {
   return font;
 }
 
+/// In the bytes of the file system; the toolkit's own answer has lost those that are not UTF-8.
+std::string ExecutablePath() {
+  std::error_code failed;
+  const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", failed);
+  return failed ? ToText(QCoreApplication::applicationFilePath()) : path.native();
+}
+
 /// Popups need a place of their own choosing and a topmost band: X11 or XWayland has both.
 void PreferX11() {
   if (std::getenv("QT_QPA_PLATFORM") == nullptr && std::getenv("DISPLAY") != nullptr) {
@@ -63,11 +71,12 @@ void PreferX11() {
 
 }  // namespace
 
-std::string AppPath() { return ToText(QCoreApplication::applicationDirPath()); }
-
-std::string AppExeName() {
-  return ToText(QFileInfo(QCoreApplication::applicationFilePath()).fileName());
+std::string AppPath() {
+  const std::string folder = FolderOf(ExecutablePath());
+  return folder.size() > 1 ? folder.substr(0, folder.size() - 1) : folder;
 }
+
+std::string AppExeName() { return NameOf(ExecutablePath()); }
 
 std::string Command() {
   return ToText(QCoreApplication::arguments().mid(1).join(QLatin1Char(' ')));

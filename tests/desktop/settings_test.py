@@ -3,7 +3,7 @@
 import os
 import signal
 
-from harness import DesktopTest, main, wait_until
+from harness import SAVE_LOG, DesktopTest, main, wait_until
 
 BOXES = ("Do not save log file", "Minimize to system tray",
          "Play sound when a new cookie file is added", "Play sound when a cookie file is removed")
@@ -79,6 +79,18 @@ class SettingsTest(DesktopTest):
                 self.assertEqual(program.process.wait(10), code)
                 path = program.folder / "config.ini"
                 self.assertEqual(path.read_bytes() if path.exists() else None, content)
+
+    def test_folder_of_any_name(self):
+        program = self.program(config=SAVE_LOG)
+        name = os.fsdecode("blank ß ".encode() + b"caf\xe9")
+        program.folder = program.folder.rename(program.folder.with_name(name))
+        program.start()
+        (program.cookies / "new.txt").touch()
+        program.wait_for_log(1)
+        program.select_tab("Options")
+        program.check_box("Minimize to system tray").click()
+        self.assertEqual(program.end(), 0)
+        self.assertEqual(self.stored(program), settings(True, False, False, False))
 
     def test_file_that_cannot_be_written(self):
         """A folder in its place: read as nothing, not written, and no harm to the end."""

@@ -34,8 +34,8 @@ struct NOTIFYICONDATA {
 static_assert(sizeof(NOTIFYICONDATA) == 88);
 
 /// Names the icon's menu, for desktops whose tray draws menus by itself and does not report the
-/// right button. Wanted before the icon is added; where the tray reports the button, as every event,
-/// the window pops its menu up and this changes nothing.
+/// right button. Wanted before the icon is added; where the tray reports the button, as every
+/// event, the window pops its menu up and this changes nothing.
 void TrayMenu(const Menu& menu);
 
 /// Adds or removes the tray icon. From then on each mouse event on it reaches the window as the

@@ -80,8 +80,7 @@ void FormMain::Form_Unload() {
   platform::End();
 }
 
-// --- The window
-// ------------------------------------------------------------------------------------
+// --- The window ----------------------------------------------------------------------------------
 
 void FormMain::InitMainWindow() {
   ListLog.Top(TabStrip1.Top() + 435);
@@ -148,8 +147,7 @@ void FormMain::Form_Resize() {
   size(Picture4, layout.Panels);
 }
 
-// --- The tray
-// --------------------------------------------------------------------------------------
+// --- The tray ------------------------------------------------------------------------------------
 
 void FormMain::Form_MouseMove(float X) {
   const float pixels =
@@ -175,8 +173,7 @@ void FormMain::Menu_Show_Click() {
 
 void FormMain::Menu_Exit_Click() { Unload(); }
 
-// --- The watch
-// -------------------------------------------------------------------------------------
+// --- The watch -----------------------------------------------------------------------------------
 
 void FormMain::CmdStart_Click() { StartClicked(Watch()); }
 void FormMain::CmdStop_Click() { StopClicked(Watch()); }
@@ -195,8 +192,7 @@ void FormMain::ReportRemoved(std::size_t oldRow) {
   ::ReportRemoved(ListLog, PublicDim.KnownRows[oldRow]);
 }
 
-// --- The cookie lists
-// ------------------------------------------------------------------------------
+// --- The cookie lists ----------------------------------------------------------------------------
 
 void FormMain::TimerCookie_Timer() { CookieListTick(ListVCookie, WindowState()); }
 
@@ -218,8 +214,7 @@ void FormMain::List_MouseUp(platform::ListView& list, platform::Menu& menu, int 
   if (list.Count() > 0 && Button == RightButton) PopupMenu(menu);
 }
 
-// --- Tools, sound, options, information
-// --------------------------------------------------------------
+// --- Tools, sound, options, information ----------------------------------------------------------
 
 void FormMain::CmdClean_Click() {
   Clean({.Cookies = Check1.Value() == 1,

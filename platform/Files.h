@@ -69,7 +69,8 @@ class FolderAtHand {
 /// finds at any moment, also after a full disk or a kill. False when the old content stayed.
 bool ReplaceFile(const std::string& path, std::string_view content);
 
-/// Adds text at a file's end with a single write, creating the file when it is missing.
+/// Adds text at a file's end with a single write, creating the file when it is missing. Text that
+/// does not fit whole is not added.
 bool AppendFile(const std::string& path, std::string_view text);
 
 }  // namespace platform

@@ -285,7 +285,14 @@ bool AppendFile(const std::string& path, std::string_view text) {
       open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666));
   struct stat info;
   if (!file || fstat(file.Number(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
-  return write(file.Number(), text.data(), text.size()) == static_cast<ssize_t>(text.size());
+  const ssize_t written = write(file.Number(), text.data(), text.size());
+  if (written == static_cast<ssize_t>(text.size())) return true;
+  // A disk that was nearly full took a part, to which the next text would be joined.
+  const off_t end = lseek(file.Number(), 0, SEEK_CUR);
+  if (written > 0 && end >= written) {
+    [[maybe_unused]] const int cut = ftruncate(file.Number(), end - written);
+  }
+  return false;
 }
 
 }  // namespace platform

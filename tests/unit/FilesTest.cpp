@@ -273,6 +273,7 @@ TEST(Files, AFullDiskKeepsTheOldContent) {
   EXPECT_FALSE(ReplaceFile(folder.Path("config.ini"), much));
   EXPECT_EQ(folder.Read("config.ini"), "old");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path()), {}), 1);
+  folder.Write("log.txt", "one\r\n");
   EXPECT_FALSE(AppendFile(folder.Path("log.txt"), much));
-  EXPECT_FALSE(AppendFile(folder.Path("log.txt"), "more"));
+  EXPECT_EQ(folder.Read("log.txt"), "one\r\n") << "a part of the text was added";
 }

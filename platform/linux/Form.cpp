@@ -197,8 +197,13 @@ void Form::Unload() {
   (new FormReaper(std::move(kept.mapped())))->deleteLater();
 }
 
-std::string Form::Caption() const { return ToText(state_->Window->windowTitle()); }
-void Form::Caption(std::string_view text) { state_->Window->setWindowTitle(FromText(text)); }
+// The toolkit takes "[*]" in a title for the place of its mark of change, and two of them for one.
+std::string Form::Caption() const {
+  return ToText(state_->Window->windowTitle().replace("[*][*]", "[*]"));
+}
+void Form::Caption(std::string_view text) {
+  state_->Window->setWindowTitle(FromText(text).replace("[*]", "[*][*]"));
+}
 
 int Form::WindowState() const {
   const Qt::WindowStates state = state_->Window->windowState();

@@ -8,6 +8,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTest>
+#include <QWindow>
 #include <gtest/gtest.h>
 
 #include "cookies/CookieDetail.h"
@@ -90,6 +91,14 @@ TEST_F(CookieDetail, ShowsTheFileLastReadWhenTheRowsFileHasGone) {
   for (const QWidget* view : Views()) captions.push_back(view->windowTitle().toStdString());
   std::sort(captions.begin(), captions.end());
   EXPECT_EQ(captions, std::vector<std::string>({"Detail", "Detail - last.txt"}));
+}
+
+TEST_F(CookieDetail, TheTitleIsTheFilesNameWhateverItsLetters) {
+  folder_.Add("a[*]b[*][*].txt", Record("n", "v", "s"));
+  LoadCookieList(list_);
+  Open(1);
+  ASSERT_EQ(Views().size(), 1u);
+  EXPECT_EQ(Views().front()->windowHandle()->title(), "Detail - a[*]b[*][*].txt");
 }
 
 TEST_F(CookieDetail, EachWindowClosesAlone) {

@@ -31,7 +31,8 @@ void LoadCookieList(platform::ListView& List) {
 
 void CookieListTick(platform::ListView& List, int WindowState) {
   if (WindowState == platform::vbMinimized || !PublicDim.CookieListStale) return;
-  if (PublicDim.KnownRows.empty()) return;
+  // Before a watch's first scan has ended, the baseline is not the one that the list is to show.
+  if (PublicDim.KnownRows.empty() || PublicDim.FirstScanRunning) return;
   LoadCookieList(List);
   PublicDim.CookieListStale = false;
 }

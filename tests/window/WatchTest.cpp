@@ -100,6 +100,25 @@ TEST_F(Watch, AStartTakesBackAStopInsideTheFirstScan) {
   EXPECT_FALSE(form.CmdStop.Enabled());
 }
 
+TEST_F(Watch, TheFirstListIsBuiltAlsoWhenTheCleanerComesBeforeIt) {
+  MakeFiles(300);
+  folder_.Write("quillmere/cookies/survivor.txt", Record("id", "42", "shop.example/"));
+  FormMain form;
+  bool reset = false;
+  act_ = [&] {
+    if (PublicDim.WatchHandle > 0) return form.CmdStop.Click();
+    if (reset || PublicDim.ScanRowCount < 100) return;
+    reset = true;
+    PublicDim.KnownRows = PublicDim.CurrentRows = Snapshot(1);
+    PublicDim.BaselineReset = PublicDim.CookieListStale = true;
+    form.TimerCookie.Tick();
+  };
+  form.Load();
+  act_ = nullptr;
+  EXPECT_TRUE(reset);
+  EXPECT_TRUE(WaitFor([&] { return form.ListVCookie.Count() == 1; }));
+}
+
 TEST_F(Watch, AStartInsideAComparisonsScanWaitsForItsEndAndTheTimerTicksOn) {
   MakeFiles(300);
   FormMain form;

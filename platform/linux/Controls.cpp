@@ -65,7 +65,7 @@ QIcon PictureByHandle(std::uint32_t handle) { return Pictures().value(handle); }
 
 QColor ReadableOn(const QColor& wanted, const QColor& background) {
   constexpr int Middle = 128;
-  constexpr int LightShade = 190;
+  constexpr int LightShade = 205;
   if (background.lightness() >= Middle || wanted.lightness() > Middle) return wanted;
   return QColor::fromHsl(wanted.hslHue(), wanted.hslSaturation(), LightShade);
 }
@@ -311,6 +311,8 @@ class LabelWidget : public QLabel {
     }
   }
 
+  void showEvent(QShowEvent* event) override;
+
   void paintEvent(QPaintEvent* event) override {
     QLabel::paintEvent(event);
     if (!hasFocus()) return;
@@ -357,6 +359,17 @@ class AccessibleLink : public QAccessibleWidget {
   LabelWidget& label_;
 };
 
+// The last factory to be installed is asked first, and the toolkit installs its own late.
+void LabelWidget::showEvent(QShowEvent* event) {
+  QLabel::showEvent(event);
+  if (focusPolicy() == Qt::NoFocus || !QAccessible::isActive()) return;
+  QAccessible::removeFactory(AccessibleLink::Make);
+  QAccessible::installFactory(AccessibleLink::Make);
+  QAccessibleInterface* known = QAccessible::queryAccessibleInterface(this);
+  if (known->role() == QAccessible::Link) return;
+  QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(known));
+}
+
 }  // namespace
 
 Label::Label(Container& parent, const Design& design)
@@ -384,7 +397,6 @@ void Label::WordWrap() {
 void Label::AutoSize() { static_cast<LabelWidget*>(Widget(*this))->FitToCaption(); }
 
 void Label::Link() {
-  QAccessible::installFactory(AccessibleLink::Make);  // once, however often it is called
   Widget(*this)->setCursor(Qt::PointingHandCursor);
   Widget(*this)->setFocusPolicy(Qt::StrongFocus);
 }

@@ -6,6 +6,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QTextBrowser>
@@ -18,7 +19,9 @@ HelpWindow::HelpWindow() : pages_(new QTextBrowser(this)), wanted_(new QLineEdit
   setAttribute(Qt::WA_DeleteOnClose);
   setWindowTitle(QCoreApplication::applicationName() + " Help");
   setWindowIcon(QIcon(":/assets/quillmere.ico"));
-  resize(720, 560);
+  // At a high scale a screen has little room.
+  const QSize room = screen()->availableSize() - QSize(1, 2) * fontMetrics().height();
+  resize(QSize(720, 560).boundedTo(room));
 
   constexpr double ReadingSize = 10.5;  // controls are lettered smaller than one likes to read
   QFont font = pages_->font();
@@ -48,7 +51,7 @@ QLayout* HelpWindow::MakeButtons() {
   };
   auto* back = add("Back", Qt::ALT | Qt::Key_Left, &QTextBrowser::backward);
   auto* forward = add("Forward", Qt::ALT | Qt::Key_Right, &QTextBrowser::forward);
-  add("Home", Qt::ALT | Qt::Key_Home, &QTextBrowser::home);
+  auto* home = add("Home", Qt::ALT | Qt::Key_Home, &QTextBrowser::home);
   back->setEnabled(false);
   forward->setEnabled(false);
   QObject::connect(pages_, &QTextBrowser::backwardAvailable, back, &QWidget::setEnabled);
@@ -60,6 +63,7 @@ QLayout* HelpWindow::MakeButtons() {
   row->addStretch();
   row->addWidget(label);
   row->addWidget(wanted_);
+  setTabOrder(home, wanted_);
   QObject::connect(wanted_, &QLineEdit::textEdited, this, [this] { Find(true); });
   QObject::connect(wanted_, &QLineEdit::returnPressed, this, [this] { Find(false); });
   QObject::connect(new QShortcut(QKeySequence::Find, this), &QShortcut::activated, wanted_, [this] {

@@ -42,7 +42,12 @@ void UnloadOnSignal(Form& form) {
   });
   struct sigaction action {};
   action.sa_handler = NoteSignal;
-  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) sigaction(signal, &action, nullptr);
+  for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
+    // A signal that whoever started the program had it ignore stays ignored, as under nohup.
+    struct sigaction before {};
+    sigaction(signal, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
+  }
 }
 
 /// The classic dialog face at 8.25 points is 11 pixels high; the faces named here have its widths.

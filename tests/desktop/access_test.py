@@ -288,9 +288,11 @@ class AccessTest(DesktopTest):
     def test_scales(self):
         """The same places at every scale, in windows that are so much larger."""
         usual = {}
+        self.addCleanup(run, "xprop", "-root", "-remove", "RESOURCE_MANAGER")
         for picture, scale, env, resources in (
                 ("scale-100", 1, {}, ""), ("scale-150", 1.5, {"QT_SCALE_FACTOR": "1.5"}, ""),
-                ("scale-200", 2, {"QT_SCALE_FACTOR": "2"}, ""), ("dpi-144", 1.5, {}, "Xft.dpi:\t144\n")):
+                ("scale-200", 2, {"QT_SCALE_FACTOR": "2"}, ""),
+                ("dpi-144", 1.5, {}, "Xft.dpi:\t144\n")):
             with self.subTest(picture=picture):
                 run("xprop", "-root", "-format", "RESOURCE_MANAGER", "8s",
                     "-set", "RESOURCE_MANAGER", resources)
@@ -312,7 +314,8 @@ class AccessTest(DesktopTest):
         """Of the strongest colour against the commonest one, as the web's guidelines count it."""
         left, top, width, height = place
         text = run("convert", SCREENS / f"{picture}.png", "-crop",
-                   f"{width}x{height}+{left}+{top}", "-depth", 8, "-format", "%c", "histogram:info:")
+                   f"{width}x{height}+{left}+{top}", "-depth", 8, "-format", "%c",
+                   "histogram:info:")
         colours = [(int(count), [int(part, 16) for part in re.findall("..", code)[:3]])
                    for count, code in re.findall(r"(\d+): .*#([0-9A-F]{6})", text)]
 

@@ -13,7 +13,7 @@ import time
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[1] / "tests/desktop"))
-from harness import TWIPS_PER_PIXEL, Program, end_process, wait_until  # noqa: E402
+from harness import TWIPS_PER_PIXEL, Program, end_process  # noqa: E402
 
 MAP_NOTIFY = 19
 SUBSTRUCTURE_NOTIFY = 1 << 19

@@ -24,6 +24,8 @@
 namespace platform {
 namespace {
 
+using Clock = std::chrono::steady_clock;
+
 constexpr std::uint32_t NameEvents = IN_CREATE | IN_DELETE | IN_MOVED_FROM | IN_MOVED_TO;
 constexpr std::uint32_t WriteEvents = IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB;
 constexpr std::uint32_t SelfEvents = IN_DELETE_SELF | IN_MOVE_SELF;
@@ -106,9 +108,13 @@ class Watch {
   }
 
   /// Whether the path leads somewhere else than when it was watched. No event tells of a parent
-  /// that was renamed, or of another file system that was mounted over it.
+  /// that was renamed, or of another file system that was mounted over it. Looks once a second: at
+  /// rest, a look at every wait would be a sixth of all that the program does.
   bool LooksElsewhere() {
-    if (IsWatching() && PlaceOf(folder_) != place_) Lose();
+    const auto now = Clock::now();
+    if (!IsWatching() || now < nextLook_) return signalled_;
+    nextLook_ = now + std::chrono::seconds(1);
+    if (PlaceOf(folder_) != place_) Lose();
     return signalled_;
   }
 
@@ -186,6 +192,7 @@ class Watch {
   std::uint32_t counting_ = 0;  ///< Events that are a change by themselves.
   Descriptor events_;
   Place place_;
+  Clock::time_point nextLook_;
   WriteTimes times_;
   std::unordered_map<std::string, std::monostate> written_;
   bool signalled_ = false;
@@ -260,17 +267,21 @@ int FindNextChangeNotification(HANDLE handle) {
 int FindCloseChangeNotification(HANDLE handle) { return Watches().Remove(handle) ? 1 : 0; }
 
 std::uint32_t WaitForSingleObject(HANDLE handle, std::uint32_t milliseconds) {
-  using Clock = std::chrono::steady_clock;
   Watch* const watch = Watches().Find(handle);
   if (watch == nullptr && handle != INVALID_HANDLE_VALUE) return WAIT_FAILED;
-  if (watch != nullptr && watch->TakeIn()) return WAIT_OBJECT_0;
+  // Where the wait can listen to the watch, it tells at once of what was recorded before.
+  const bool listens = watch != nullptr && watch->IsWatching() && !watch->IsSignalled();
+  if (watch != nullptr && !listens && watch->TakeIn()) return WAIT_OBJECT_0;
   const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
   WindowEvents window;
   for (;;) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
     const int wait = static_cast<int>(std::clamp<std::int64_t>(left, 0, INT32_MAX));
     const Woken woken = window.Wait(watch == nullptr ? -1 : watch->EventSource(), wait);
-    if (woken.ByWatch && watch->TakeIn()) return WAIT_OBJECT_0;
+    // Window events that are pending end the wait before it has listened to the watch.
+    if ((woken.ByWatch || woken.ByWindow) && watch != nullptr && watch->TakeIn()) {
+      return WAIT_OBJECT_0;
+    }
     if (woken.ByWindow || Clock::now() >= end) break;
   }
   return watch != nullptr && watch->LooksElsewhere() ? WAIT_OBJECT_0 : WAIT_TIMEOUT;

@@ -24,11 +24,14 @@ class LinesModel : public QAbstractListModel {
  public:
   using QAbstractListModel::QAbstractListModel;
 
-  void Add(std::string_view line) { lines_.emplace_back(line); }
-  int Count() const { return static_cast<int>(lines_.size()); }
+  void Add(std::string_view line) {
+    text_ += line;
+    ends_.push_back(text_.size());
+  }
+  int Count() const { return static_cast<int>(ends_.size()); }
   bool HasNew() const { return announced_ < Count(); }
   std::string Line(int index) const {
-    return index >= 0 && index < Count() ? lines_[static_cast<std::size_t>(index)] : std::string();
+    return index >= 0 && index < Count() ? std::string(View(index)) : std::string();
   }
 
   void Announce() {
@@ -44,11 +47,20 @@ class LinesModel : public QAbstractListModel {
 
   QVariant data(const QModelIndex& index, int role) const override {
     if (!index.isValid() || role != Qt::DisplayRole) return {};
-    return DisplayText(lines_[static_cast<std::size_t>(index.row())]);
+    return DisplayText(View(index.row()));
   }
 
  private:
-  std::vector<std::string> lines_;
+  std::string_view View(int index) const {
+    const auto line = static_cast<std::size_t>(index);
+    const std::size_t begin = line == 0 ? 0 : ends_[line - 1];
+    return std::string_view(text_).substr(begin, ends_[line] - begin);
+  }
+
+  // All lines in one piece: as pieces of their own they would lie between the short-lived windows
+  // that come up with each of them, whose memory could then not go back to the system.
+  std::string text_;
+  std::vector<std::size_t> ends_;
   int announced_ = 0;
 };
 

@@ -6,6 +6,7 @@
 
 #include <QCoreApplication>
 #include <QRect>
+#include <QRegion>
 
 #include "platform/linux/FormWidget.h"
 
@@ -89,10 +90,13 @@ class PopupPile {
     if (coming.empty()) return;
     const std::uint64_t oldest = coming.back()->PileNumber;
     std::for_each(coming.rbegin(), coming.rend(), [](FormWidget* window) { window->ComeUp(); });
-    // A window that comes up again stays under the newer ones that it came up beside.
+    // A window that comes up late stays under the newer ones that were there before it.
+    QRegion area;
+    for (const FormWidget* window : coming) area += window->geometry();
     for (auto each = windows_.upper_bound(oldest); each != windows_.end(); ++each) {
-      const bool stayed = std::find(coming.begin(), coming.end(), each->second) == coming.end();
-      if (stayed && each->second->isVisible()) each->second->raise();
+      FormWidget& window = *each->second;
+      const bool stayed = std::find(coming.begin(), coming.end(), &window) == coming.end();
+      if (stayed && window.isVisible() && area.intersects(window.geometry())) window.raise();
     }
   }
 

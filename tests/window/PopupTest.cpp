@@ -1,0 +1,170 @@
+#include <algorithm>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include "cookies/FormView.h"
+#include "core/PublicDim.h"
+#include "platform/Forms.h"
+#include "report/FormMsg.h"
+#include "tests/CookieFolder.h"
+
+namespace {
+
+std::vector<QWidget*> Windows(const char* name) {
+  std::vector<QWidget*> found;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->objectName() == name) found.push_back(window);
+  }
+  return found;
+}
+
+/// The popups that are on the screen.
+std::vector<QWidget*> Shown() {
+  std::vector<QWidget*> shown = Windows("FormMsg");
+  std::erase_if(shown, [](const QWidget* window) { return !window->isVisible(); });
+  return shown;
+}
+
+void RunFor(int milliseconds) {
+  QElapsedTimer clock;
+  clock.start();
+  do {
+    platform::DoEvents();
+  } while (clock.elapsed() < milliseconds);
+}
+
+std::string Text(const QWidget* popup) {
+  return popup->findChild<QLabel*>("Label1")->text().toStdString();
+}
+
+/// As an event, which is how a click comes: what it closes is freed when the event is done.
+void Press(const QWidget& popup, const char* button) {
+  QMetaObject::invokeMethod(popup.findChild<QPushButton*>(button), &QPushButton::click,
+                            Qt::QueuedConnection);
+  platform::DoEvents();
+  platform::DoEvents();
+}
+
+class PopupTest : public testing::Test {
+ protected:
+  PopupTest() { PublicDim.MsgEnabled = true; }
+  ~PopupTest() override {
+    for (const char* name : {"FormMsg", "FormView"}) {
+      for (QWidget* window : Windows(name)) window->close();
+    }
+    RunFor(0);
+  }
+
+  static void Open(int count, const std::string& text = "Cookie file added\nfile.txt") {
+    PublicDim.MsgText = text;
+    for (int i = 0; i < count; ++i) ShowChangePopup();
+  }
+
+  CookieFolder folder_;
+};
+
+TEST_F(PopupTest, StandsAtItsPlaceByItsOuterSize) {
+  Open(1);
+  RunFor(0);
+  ASSERT_EQ(Shown().size(), 1U);
+  const QWidget& popup = *Shown()[0];
+  const platform::ScreenInfo screen = platform::Screen();
+  constexpr int TwipsPerPixel = 15;
+  EXPECT_NEAR(popup.x() * TwipsPerPixel, screen.Width - (3435 + 120) - 35, TwipsPerPixel / 2);
+  EXPECT_NEAR(popup.y() * TwipsPerPixel, screen.Height - (1365 + 420) - 450, TwipsPerPixel / 2);
+  EXPECT_EQ(popup.size(), QSize(3435 / TwipsPerPixel, 1365 / TwipsPerPixel));
+  EXPECT_TRUE(popup.windowFlags() & Qt::WindowStaysOnTopHint);
+}
+
+TEST_F(PopupTest, KeepsItsTextAndShowsTheFileOfTheLatestReport) {
+  folder_.Write("new.txt", Record("latest", "v", "s/"));
+  PublicDim.MsgFileName = "old.txt";
+  PublicDim.MsgCanView = true;
+  Open(1, "Cookie file added\nold.txt");
+  PublicDim.MsgCanView = false;
+  Open(1, "Cookie file removed\ngone.txt");
+  PublicDim.MsgFileName = "new.txt";
+  RunFor(0);
+  QWidget* viewed = nullptr;
+  for (QWidget* popup : Shown()) {
+    const bool removed = Text(popup) == "Cookie file removed\ngone.txt";
+    EXPECT_EQ(popup->findChild<QPushButton*>("CmdView")->isEnabled(), !removed);
+    if (!removed) viewed = popup;
+  }
+  ASSERT_NE(viewed, nullptr);
+  EXPECT_EQ(Text(viewed), "Cookie file added\nold.txt");
+  Press(*viewed, "CmdView");
+  EXPECT_EQ(Windows("FormMsg").size(), 1U);
+  ASSERT_EQ(Windows("FormView").size(), 1U);
+  ASSERT_FALSE(PublicDim.DetailRows.empty());
+  EXPECT_EQ(PublicDim.DetailRows[0].CookieName, "latest");
+}
+
+TEST_F(PopupTest, ShowsOfManyWhatCanBeSeen) {
+  Open(3);
+  RunFor(0);
+  EXPECT_EQ(Shown().size(), 3U);
+  Open(200);
+  RunFor(0);
+  EXPECT_EQ(Windows("FormMsg").size(), 203U);
+  EXPECT_LT(Shown().size(), 40U);
+  // Those that are moved away lay bare one that was never on the screen.
+  const QRect corner = Shown()[0]->geometry();
+  for (QWidget* popup : Shown()) popup->move(0, 0);
+  RunFor(0);
+  const std::vector<QWidget*> shown = Shown();
+  EXPECT_TRUE(std::any_of(shown.begin(), shown.end(),
+                          [&corner](const QWidget* popup) { return popup->geometry() == corner; }));
+  // However many the user closes, the next one shows.
+  for (std::size_t left = 203; left > 0; --left) {
+    ASSERT_FALSE(Shown().empty()) << left;
+    Press(*Shown()[0], "CmdClose");
+    ASSERT_EQ(Windows("FormMsg").size(), left - 1);
+  }
+}
+
+TEST_F(PopupTest, ClosesAtItsOwnSixthTickSeenOrNot) {
+  Open(50);
+  RunFor(2500);
+  Open(1);
+  RunFor(3000);
+  EXPECT_EQ(Windows("FormMsg").size(), 51U) << "no popup closes at the fifth tick";
+  RunFor(1500);
+  EXPECT_EQ(Windows("FormMsg").size(), 1U);
+  RunFor(2000);
+  EXPECT_EQ(Windows("FormMsg").size(), 0U);
+}
+
+TEST_F(PopupTest, IsFreedInsideNestedLoops) {
+  const auto before = QApplication::allWidgets().size();
+  // As in the program: a wait loop inside a click, which the plain event loop has handed out.
+  QEventLoop plainLoop;
+  QTimer::singleShot(0, [&plainLoop, before] {
+    for (int round = 0; round < 100; ++round) {
+      Open(90);
+      for (int i = 0; i < 10; ++i) platform::ShowNew(std::make_unique<FormView>());
+      RunFor(0);
+      for (const char* name : {"FormMsg", "FormView"}) {
+        for (QWidget* window : Windows(name)) window->close();
+      }
+      RunFor(0);
+      ASSERT_EQ(QApplication::allWidgets().size(), before) << round;
+    }
+    plainLoop.quit();
+  });
+  plainLoop.exec();
+}
+
+}  // namespace

@@ -6,7 +6,8 @@
 
 #include "platform/FileSearch.h"
 
-// Regional texts: numbers, dates and comparison as the user's settings have them. All text is UTF-8.
+// Regional texts: numbers, dates and comparison as the user's settings have them. All text is
+// UTF-8.
 
 namespace platform {
 

@@ -20,6 +20,8 @@ APP = Path(os.environ.get("QUILLMERE_APP_DIR", ROOT / "build/app"))
 SCREENS = Path(os.environ.get("QUILLMERE_SCREENS", ROOT / "build/screens"))
 # Sanitizers and busy machines: every time limit is multiplied by it.
 PATIENCE = float(os.environ.get("QUILLMERE_PATIENCE", "1"))
+# The sanitizers keep freed memory to themselves for a while, so its amount tells nothing.
+SANITIZED = "QUILLMERE_SANITIZED" in os.environ
 TWIPS_PER_PIXEL = 15
 
 

@@ -50,7 +50,9 @@ class EmbeddingTray:
         self.click("click", 3)
 
     def is_up(self):
-        return '"panel" "trayer"' in run("xwininfo", "-root", "-tree")
+        # The tree cannot be read while a window goes out of it.
+        return '"panel" "trayer"' in wait_until(
+            lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
 
 
 TRAYS = (EmbeddingTray, NotifierTray)

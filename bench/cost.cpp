@@ -56,7 +56,7 @@ class CostForm : public CookieLists {
       ReadCookies();
     });
     Count("reference", DoReferenceWork);
-    const Snapshot& rows = PublicDim.KnownRows;
+    const Snapshot rows = PublicDim.KnownRows;
     const Snapshot renamed = Renamed(rows);
     Count("compare, nothing changed", [&] { Compare(rows, rows); });
     Count("compare, everything changed", [&] { Compare(rows, renamed); });

@@ -321,9 +321,15 @@ class Program:
 
     def select_tab(self, caption):
         tab = self.control("page tab", caption)
-        tab.click()
-        # The toolkit tells of the selected tab by this state.
-        wait_until(lambda: tab.has("focused"), f"tab '{caption}'")
+
+        def selected():
+            # The window manager can still be placing a new window: then the click goes beside it.
+            tab.click()
+            with contextlib.suppress(AssertionError):
+                # The toolkit tells of the selected tab by this state.
+                return wait_until(lambda: tab.has("focused"), "the state", seconds=2)
+            return False
+        wait_until(selected, f"tab '{caption}'")
 
     def log_lines(self):
         """What the on-screen log shows."""

@@ -5,7 +5,7 @@ import socket
 import struct
 import subprocess
 
-from harness import DesktopTest, main, wait_until
+from harness import DesktopTest, main, run, wait_until
 
 RATE = 44100
 WINDOW = RATE // 10
@@ -100,6 +100,31 @@ class SoundTest(DesktopTest):
         other = program.cookies / "jane[2].txt"
         self.check_heard({"added"}, self.change(program, lambda: other.write_text(COOKIE)))
         self.check_heard({"added", "removed"}, self.change(program, both))
+
+    def windows(self, program):
+        found = run("xdotool", "search", "--onlyvisible", "--all", "--pid", program.process.pid,
+                    "--name", "^Quillmere$", check=False)
+        return len(found.split())
+
+    def test_road_of_one_event(self):
+        """A new cookie file: log, popup, sound, log file, list, and a search that finds it."""
+        program = self.started(config=options(True, True), env={"PULSE_SERVER": self.server})
+        cookie = COOKIE.replace("id", "UserPassword", 1)
+        self.check_heard({"added"}, self.change(
+            program, lambda: (program.cookies / "jane[1].txt").write_text(cookie)))
+        self.assertEqual(self.windows(program), 2)
+        line, = program.wait_for_log(1)
+        self.assertIn(f" - Cookie file added: jane[1].txt, {len(cookie)} bytes, ", line)
+        self.assertEqual(program.log_lines(), [line])
+        program.select_tab("Cookies")
+        row, = wait_until(lambda: program.control("tree", "Cookies").rows(), "the cookie")
+        self.assertEqual(row[:5], ["shop.example", "2009-04-23", "UserPassword", "42",
+                                   "jane[1].txt"])
+        program.select_tab("Search")
+        next(program.controls("push button", "Search")).click()
+        found, = wait_until(lambda: program.control("tree", "Search results").rows(), "the hit")
+        self.assertEqual(found, row)
+        wait_until(lambda: self.windows(program) == 1, "the popup to close by itself", 8)
 
     def test_options_and_play_buttons(self):
         program = self.started(config=options(False, True), env={"PULSE_SERVER": self.server})

@@ -1,9 +1,10 @@
 #pragma once
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 #include <dirent.h>
 #include <fcntl.h>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -65,8 +66,8 @@ class NamePattern {
   Kind kind_ = Kind::Name;
 };
 
-/// The entries of a folder in the order of the directory. Entries that go while it is read do no
-/// harm: one that was handed out may be deleted.
+/// The entries of a folder in the order of the directory, as they stand when the first is asked
+/// for.
 class DirectoryReader {
  public:
   struct Entry {
@@ -84,24 +85,54 @@ class DirectoryReader {
   bool Next(Entry& entry) {
     if (position_ >= filled_ && !Fill()) return false;
     // The kernel writes whole, aligned records.
-    const auto* record = reinterpret_cast<const dirent64*>(buffer_.data() + position_);
+    const auto* record = reinterpret_cast<const dirent64*>(buffer_.get() + position_);
     position_ += record->d_reclen;
     entry = {static_cast<const char*>(record->d_name), record->d_type};
     return true;
   }
 
  private:
+  static constexpr std::size_t LeastRoom = 65536;
+  static constexpr std::size_t MostRoom = std::size_t{1} << 26;
+
+  /// One call reads a folder at one moment. Between two calls a file that is replaced may move from
+  /// where they have not been to where they have been: it would be missed, as if it were gone.
   bool Fill() {
-    const ssize_t got = getdents64(folder_.Number(), buffer_.data(), buffer_.size());
-    position_ = 0;
-    filled_ = got > 0 ? static_cast<std::size_t>(got) : 0;
+    if (!buffer_) MakeRoom(LikelyRoom());
+    Read();
+    while (!begun_ && filled_ + sizeof(dirent64) > room_ && room_ < MostRoom) {
+      MakeRoom(4 * room_);
+      lseek(folder_.Number(), 0, SEEK_SET);
+      Read();
+    }
+    begun_ = true;
     return filled_ > 0;
   }
 
+  void Read() {
+    const ssize_t got = getdents64(folder_.Number(), buffer_.get(), room_);
+    position_ = 0;
+    filled_ = got > 0 ? static_cast<std::size_t>(got) : 0;
+  }
+
+  void MakeRoom(std::size_t room) {
+    room_ = std::min(room, MostRoom);
+    buffer_.reset(new std::byte[room_]);  // not cleared: most of a large one is never touched
+  }
+
+  std::size_t LikelyRoom() const {
+    struct stat info;
+    constexpr std::size_t RecordToSize = 4;
+    const bool known = fstat(folder_.Number(), &info) == 0 && info.st_size > 0;
+    return std::max(LeastRoom, known ? RecordToSize * static_cast<std::size_t>(info.st_size) : 0);
+  }
+
   Descriptor folder_;
-  alignas(dirent64) std::array<std::byte, 65536> buffer_;
+  std::unique_ptr<std::byte[]> buffer_;  // aligned for every type
+  std::size_t room_ = 0;
   std::size_t position_ = 0;
   std::size_t filled_ = 0;
+  bool begun_ = false;
 };
 
 /// An ordinary file: a regular one, or a link that leads to one. `type` saves the look where the

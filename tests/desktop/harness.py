@@ -15,6 +15,14 @@ import time
 import unittest
 from pathlib import Path
 
+try:
+    import gi
+    gi.require_version("Atspi", "2.0")
+    from gi.repository import Atspi, GLib
+    Gone = GLib.Error  # what is told of a control that is no longer there
+except ImportError:  # enough to start the program and to measure it
+    Gone = ()
+
 ROOT = Path(__file__).resolve().parents[2]
 APP = Path(os.environ.get("QUILLMERE_APP_DIR", ROOT / "build/app"))
 SCREENS = Path(os.environ.get("QUILLMERE_SCREENS", ROOT / "build/screens"))
@@ -26,18 +34,27 @@ TWIPS_PER_PIXEL = 15
 
 
 def wait_until(condition, what, seconds=15):
-    """Returns the first true value of `condition()`."""
+    """Returns the first true value of `condition()`; it may look at what goes meanwhile."""
     end = time.monotonic() + seconds * PATIENCE
-    while not (value := condition()):
-        if time.monotonic() > end:
-            raise AssertionError(f"waited {seconds * PATIENCE:.0f} s in vain: {what}")
+    while time.monotonic() < end:
+        with contextlib.suppress(Gone):
+            if value := condition():
+                return value
         time.sleep(0.02)
-    return value
+    raise AssertionError(f"waited {seconds * PATIENCE:.0f} s in vain: {what}")
 
 
 def run(*command, check=True):
     return subprocess.run([str(word) for word in command], check=check, capture_output=True,
                           text=True, timeout=60 * PATIENCE).stdout
+
+
+def key(*keys):
+    run("xdotool", "key", *keys)
+
+
+def double_click(*place):
+    run("xdotool", "mousemove", *place, "click", "--repeat", 2, "--delay", 50, 1)
 
 
 def end_process(process, seconds=10):
@@ -127,6 +144,13 @@ class Control:
         found = (self.accessible.get_child_at_index(number) for number in range(count))
         return [Control(child) for child in found if child]
 
+    def everything(self):
+        """All controls below this one, the rows of lists left out."""
+        for child in self.children():
+            yield child
+            if child.role not in LISTS:
+                yield from child.everything()
+
     def has(self, state):
         return state in {each.value_nick for each in self.accessible.get_state_set().get_states()}
 
@@ -134,9 +158,13 @@ class Control:
     showing = property(lambda self: self.has("showing"))
     checked = property(lambda self: self.has("checked"))
 
+    @property
+    def text(self):
+        """What a text box holds."""
+        return self.accessible.get_text_iface().get_text(0, -1)
+
     def place(self):
         """Left, top, width and height on the screen, in pixels."""
-        from gi.repository import Atspi
         extents = self.accessible.get_extents(Atspi.CoordType.SCREEN)
         return extents.x, extents.y, extents.width, extents.height
 
@@ -148,14 +176,18 @@ class Control:
         """Presses without the mouse, wherever the control lies and whatever covers it."""
         self.accessible.get_action_iface().do_action(0)
 
+    def cells(self):
+        """The rows of a table."""
+        table = self.accessible.get_table_iface()
+        columns = range(table.get_n_columns())
+        return [[Control(table.get_accessible_at(row, column)) for column in columns]
+                for row in range(table.get_n_rows())]
+
     def rows(self):
         """The texts of a list's lines or, as lists, of a table's cells."""
         if self.role == "list":
             return [child.name for child in self.children()]
-        table = self.accessible.get_table_iface()
-        columns = range(table.get_n_columns())
-        return [[table.get_accessible_at(row, column).get_name() for column in columns]
-                for row in range(table.get_n_rows())]
+        return [[cell.name for cell in row] for row in self.cells()]
 
 
 LISTS = {"list", "tree", "table", "tree table", "menu bar", "combo box"}
@@ -213,17 +245,15 @@ class Program:
     def find_window(self):
         """The main window's number; popups carry the same title and are smaller."""
         if not self.window:
-            def largest():
-                found = run("xdotool", "search", "--all", "--pid", self.process.pid, "--name",
-                            "^Quillmere$", check=False).split()
-                sizes = {}
-                for number in found:
-                    if told := self.window_info(number):
-                        sizes[number] = int(told["Width"])
-                best = max(sizes, key=sizes.get, default=None)
-                return best if best and sizes[best] >= 500 else None
-            self.window = wait_until(largest, "the main window")
+            self.window = wait_until(lambda: next(
+                (window for window in self.windows("Quillmere", "--all")
+                 if int(self.window_info(window).get("Width", 0)) >= 500), None), "the main window")
         return self.window
+
+    def windows(self, name, *which):
+        """The numbers of the windows of that name that can be seen; an open menu has no name."""
+        return run("xdotool", "search", *(which or ["--onlyvisible", "--all"]), "--pid",
+                   self.process.pid, "--name", f"^{name}$", check=False).split()
 
     def window_info(self, window):
         """What the X server tells of a window; nothing while its frame comes or goes."""
@@ -241,13 +271,20 @@ class Program:
         told = wait_until(lambda: self.window_info(self.find_window()), "the window's state")
         return told["Map State"] == "IsViewable"
 
-    def window_states(self):
-        return run("xprop", "-id", self.find_window(), "_NET_WM_STATE", "WM_STATE")
+    def window_states(self, window=None):
+        return run("xprop", "-id", window or self.find_window(), "_NET_WM_STATE", "WM_STATE")
 
-    def frame(self):
+    def frame(self, window=None):
         """Left, right, top and bottom of what the window manager draws around the window."""
-        text = run("xprop", "-id", self.find_window(), "_NET_FRAME_EXTENTS")
+        text = run("xprop", "-id", window or self.find_window(), "_NET_FRAME_EXTENTS")
         return tuple(int(value) for value in re.findall(r"\d+", text))
+
+    def switch_maximised(self):
+        """By a double click on the title."""
+        left, top, width, _ = self.geometry()
+        maximised = "MAXIMIZED" in self.window_states()
+        double_click(left + width // 2, top - self.frame()[2] // 2)
+        wait_until(lambda: maximised != ("MAXIMIZED" in self.window_states()), "the new size")
 
     def activate(self):
         run("xdotool", "windowactivate", "--sync", self.find_window())
@@ -280,9 +317,6 @@ class Program:
     # The window, as a screen reader sees it.
 
     def application(self):
-        import gi
-        gi.require_version("Atspi", "2.0")
-        from gi.repository import Atspi, GLib
         Atspi.set_timeout(int(20000 * PATIENCE), int(20000 * PATIENCE))
         while GLib.MainContext.default().iteration(False):
             pass
@@ -290,28 +324,23 @@ class Program:
         desktop.clear_cache()
         for number in range(desktop.get_child_count()):
             child = desktop.get_child_at_index(number)
-            with contextlib.suppress(GLib.Error):
+            with contextlib.suppress(Gone):
                 if child and child.get_process_id() == self.process.pid:
                     child.set_cache_mask(Atspi.Cache.NONE)
                     return Control(child)
         return None
 
     def controls(self, role, name):
-        def below(control):
-            for child in control.children():
-                if child.role == role and child.name == name:
-                    yield child
-                if child.role not in LISTS:
-                    yield from below(child)
-        return below(self.application())
+        return (control for control in self.application().everything()
+                if control.role == role and control.name == name)
 
     def control(self, role, name):
         """The control of that role and name; the first one where there are several."""
-        def first():
-            from gi.repository import GLib
-            with contextlib.suppress(GLib.Error):  # one that went while it was looked at
-                return self.application() and next(self.controls(role, name), None)
-        return wait_until(first, f"{role} '{name}'")
+        return wait_until(lambda: self.application() and next(self.controls(role, name), None),
+                          f"{role} '{name}'")
+
+    def count(self, role, name):
+        return wait_until(lambda: [sum(1 for _ in self.controls(role, name))], f"{role}s")[0]
 
     def button(self, caption):
         return self.control("push button", caption)
@@ -345,7 +374,18 @@ class Program:
         return self.log_file().decode("utf-8", "surrogateescape").splitlines()
 
 
-SAVE_LOG = b"SaveLog=True\r\nToTray=True\r\nPlaySound1=False\r\nPlaySound2=False\r\n"
+def options(save_log=True, to_tray=True, sound1=False, sound2=False):
+    """The settings file as the program writes it."""
+    return (f"SaveLog={save_log}\r\nToTray={to_tray}\r\n"
+            f"PlaySound1={sound1}\r\nPlaySound2={sound2}\r\n").encode()
+
+
+SAVE_LOG = options()
+
+
+def cookies(*names):
+    """A file of so many cookies."""
+    return "".join(f"{name}\n42\nshop.example/\n0\n0\n30000000\n0\n0\n*\n" for name in names).encode()
 
 
 class DesktopTest(unittest.TestCase):
@@ -364,6 +404,13 @@ class DesktopTest(unittest.TestCase):
 
     def started(self, **options):
         return self.program(**options).start()
+
+    def wait_for_equal(self, read, expected, seconds=15):
+        """Waits until what is read is as expected; a failure shows both."""
+        try:
+            wait_until(lambda: read() == expected, "", seconds)
+        except AssertionError:
+            self.assertEqual(read(), expected)
 
 
 def main():

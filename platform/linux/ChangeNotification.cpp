@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <chrono>
 #include <cstddef>
 #include <fcntl.h>
@@ -13,7 +14,9 @@
 #include <string_view>
 #include <sys/inotify.h>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <unordered_map>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -156,6 +159,7 @@ class Watch {
         at += static_cast<ssize_t>(sizeof event + event.len);
         lost = lost || (event.mask & LossEvents) != 0;
         overflowed = overflowed || (event.mask & IN_Q_OVERFLOW) != 0;
+        if (event.len == 0 && (event.mask & IN_ATTRIB) != 0) LookAtRights();
         if (event.len > 0 && (event.mask & IN_ISDIR) == 0) Note(event);
       }
     }
@@ -177,6 +181,13 @@ class Watch {
     }
   }
 
+  /// Whether the folder can be read decides what a look into it finds.
+  void LookAtRights() {
+    const bool readable =
+        faccessat(AT_FDCWD, folder_.c_str(), R_OK | X_OK, AT_EACCESS) == 0 || errno != EACCES;
+    if (std::exchange(readable_, readable) != readable) signalled_ = true;
+  }
+
   /// One look at each file that was written, created or marked, however many events told of it.
   void LookAtWritten() {
     if (written_.empty()) return;
@@ -195,6 +206,7 @@ class Watch {
   Clock::time_point nextLook_;
   WriteTimes times_;
   std::unordered_map<std::string, std::monostate> written_;
+  bool readable_ = true;
   bool signalled_ = false;
 };
 

@@ -239,10 +239,11 @@ InputFile::InputFile(const std::string& path) {
   if (!file) return;
   std::array<char, 65536> buffer;
   ssize_t got = 0;
-  do {
-    got = read(file.Number(), buffer.data(), buffer.size());
+  // File systems of the network, too, can give less than was asked for: only nothing is the end.
+  while ((got = read(file.Number(), buffer.data(), buffer.size())) > 0 ||
+         (got < 0 && errno == EINTR)) {
     if (got > 0) content_.append(buffer.data(), static_cast<std::size_t>(got));
-  } while (got == static_cast<ssize_t>(buffer.size()));  // one that leaves room has met the end
+  }
   open_ = got >= 0;
   if (!open_) content_.clear();
 }

@@ -1,12 +1,11 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
-#include <stdlib.h>
 #include <string>
 #include <string_view>
 
 #include "core/PublicDim.h"
+#include "tests/unit/TemporaryFolder.h"
 
 /// A record of a cookie file: nine lines, each ended by LF. Its expiry lies at noon, UTC.
 inline std::string Record(std::string_view name, std::string_view value, std::string_view server,
@@ -21,23 +20,14 @@ inline std::string Record(std::string_view name, std::string_view value, std::st
 }
 
 /// A real cookie folder, and shared state that is as at the program's start but for it.
-class CookieFolder {
+class CookieFolder : public TemporaryFolder {
  public:
   CookieFolder() {
-    std::string path = std::filesystem::temp_directory_path() / "cookies-XXXXXX";
-    path_ = mkdtemp(path.data());
     PublicDim = {};
-    PublicDim.CookieDir = path_.string() + "/";
+    PublicDim.CookieDir = TemporaryFolder::Path();
   }
-  CookieFolder(const CookieFolder&) = delete;
-  CookieFolder& operator=(const CookieFolder&) = delete;
-  ~CookieFolder() { std::filesystem::remove_all(path_); }
 
-  std::filesystem::path Path(std::string_view name) const { return path_ / name; }
-
-  void Write(std::string_view name, std::string_view content) const {
-    std::ofstream(Path(name), std::ios::binary) << content;
-  }
+  std::filesystem::path Path(std::string_view name) const { return TemporaryFolder::Path(name); }
 
   /// Writes the file and makes it the last one of the baseline.
   void Add(std::string_view name, std::string_view content, std::string_view sizeText = "136",
@@ -46,7 +36,4 @@ class CookieFolder {
     PublicDim.KnownRows.push_back(
         {std::string(name), std::string(sizeText), std::string(modifiedText)});
   }
-
- private:
-  std::filesystem::path path_;
 };

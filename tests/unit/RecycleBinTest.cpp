@@ -1,7 +1,5 @@
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
-#include <stdlib.h>
 #include <string>
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -12,120 +10,60 @@
 
 #include "platform/Files.h"
 #include "platform/linux/Trash.h"
+#include "tests/unit/TemporaryFolder.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-void Write(const fs::path& file, const std::string& text = "text") {
-  fs::create_directories(file.parent_path());
-  std::ofstream(file) << text;
-}
-
-/// Gives a mount back at the end of its scope.
-class Mount {
- public:
-  Mount(const char* type, const fs::path& source, const fs::path& at, unsigned long flags = 0)
-      : at_(at), mounted_(mount(source.c_str(), at.c_str(), type, flags, nullptr) == 0) {}
-  ~Mount() {
-    if (mounted_) umount(at_.c_str());
-  }
-  explicit operator bool() const { return mounted_; }
-
- private:
-  fs::path at_;
-  bool mounted_;
-};
-
-class RecycleBinTest : public testing::Test {
+class RecycleBin : public testing::Test {
  protected:
-  RecycleBinTest() {
-    std::string path = fs::temp_directory_path() / "trash-XXXXXX";
-    top_ = mkdtemp(path.data());
-    setenv("HOME", (top_ / "home").c_str(), 1);
-    trash_ = top_ / "home/.local/share/Trash";
-    fs::create_directories(trash_ / "files");
-    fs::create_directories(trash_ / "info");
+  RecycleBin() {
+    setenv("HOME", Path("home").c_str(), 1);
+    for (const char* name : {"home/trash/files", "home/trash/info"}) {
+      fs::create_directories(Path(name));
+    }
+    top_.Write("outside/folder/file");  // None of the files outside may be touched.
+    top_.Write("outside/files/file");
+    top_.Write("outside/" + user_ + "/files/file");
+    chmod(Path("outside").c_str(), 01777);
   }
-  ~RecycleBinTest() override {
-    setenv("HOME", home_.c_str(), 1);
-    fs::remove_all(top_);
+  ~RecycleBin() override {
+    for (const char* part : {"folder/file", "files/file"}) {
+      EXPECT_TRUE(top_.Has(std::string("outside/") + part)) << part;
+    }
+    EXPECT_TRUE(top_.Has("outside/" + user_ + "/files/file"));
   }
 
-  bool Empty() { return platform::EmptyTrash({trash_, volumes_}); }
-
-  /// A folder of other files, of which none may be touched.
-  fs::path Outside() {
-    Write(top_ / "outside/folder/file");
-    return top_ / "outside";
+  std::string Path(const std::string& name) const { return top_.Path(name); }
+  void LinkToOutside(const std::string& name) const {
+    fs::create_directories(fs::path(Path(name)).parent_path());
+    fs::create_directory_symlink(Path("outside"), Path(name));
   }
-  bool OutsideIsWhole() { return fs::exists(top_ / "outside/folder/file"); }
+  bool Empty(const std::vector<std::string>& volumes = {}) const {
+    return platform::EmptyTrash({Path("home/trash"), volumes});
+  }
 
-  const std::string home_ = getenv("HOME") ? getenv("HOME") : "/";
-  fs::path top_;
-  fs::path trash_;
-  std::vector<std::string> volumes_;
+  const std::string user_ = std::to_string(geteuid());
+  TemporaryFolder top_;
 };
 
-TEST_F(RecycleBinTest, RemovesEverythingButTheFoldersOfTheTrash) {
-  Write(trash_ / "files/file");
-  Write(trash_ / "files/folder/below/file");
-  Write(trash_ / "files/.hidden");
-  Write(trash_ / "files/read-only");
-  fs::permissions(trash_ / "files/read-only", fs::perms::owner_read);
-  Write(trash_ / "info/file.trashinfo");
-  Write(trash_ / "expunged/123/file");
-  Write(trash_ / "directorysizes");
-  mkfifo((trash_ / "files/pipe").c_str(), 0600);
-  EXPECT_TRUE(Empty());
-  for (const char* part : {"files", "info", "expunged"}) {
-    EXPECT_TRUE(fs::is_empty(trash_ / part)) << part;
+TEST_F(RecycleBin, RemovesEverythingAndFollowsNoLink) {
+  for (const char* name : {"files/file", "files/folder/below/file", "files/.hidden",
+                           "files/read-only", "info/file.trashinfo", "directorysizes"}) {
+    top_.Write(std::string("home/trash/") + name);
   }
-  EXPECT_FALSE(fs::exists(trash_ / "directorysizes"));
-  EXPECT_TRUE(Empty()) << "a trash that is empty already";
-}
-
-TEST_F(RecycleBinTest, RemovesLinksAndFollowsNone) {
-  const fs::path outside = Outside();
-  fs::create_directory_symlink(outside, trash_ / "files/to-folder");
-  fs::create_symlink(outside / "folder/file", trash_ / "files/to-file");
-  fs::create_symlink("/nowhere", trash_ / "files/to-nothing");
-  fs::create_directory(trash_ / "files/deep");
-  fs::create_directory_symlink(outside, trash_ / "files/deep/link");
-  fs::create_directory_symlink("..", trash_ / "files/up");
-  fs::create_directory_symlink(outside, trash_ / "expunged");
-  EXPECT_TRUE(Empty());
-  EXPECT_TRUE(fs::is_empty(trash_ / "files"));
-  EXPECT_TRUE(OutsideIsWhole());
-}
-
-TEST_F(RecycleBinTest, RefusesATrashThatIsALinkOrHoldsTheHomeFolder) {
-  Write(top_ / "outside/files/file");
-  fs::remove_all(trash_);
-  fs::create_directory_symlink(top_ / "outside", trash_);
-  EXPECT_FALSE(Empty());
-  fs::remove(trash_);
-  fs::create_directory(trash_);
-  fs::create_directory_symlink(top_ / "outside/files", trash_ / "files");
-  Empty();
-  EXPECT_TRUE(fs::exists(top_ / "outside/files/file"));
-
-  trash_ = top_ / "outside";
-  for (const fs::path& home : {trash_, trash_ / "files", trash_ / "files/below"}) {
-    fs::create_directories(home);
-    setenv("HOME", home.c_str(), 1);
-    EXPECT_FALSE(Empty()) << home;
+  fs::permissions(Path("home/trash/files/read-only"), fs::perms::owner_read);
+  mkfifo(Path("home/trash/files/pipe").c_str(), 0600);
+  for (const char* name : {"files/link", "files/deep/link", "expunged"}) {
+    LinkToOutside(std::string("home/trash/") + name);
   }
-  EXPECT_TRUE(fs::exists(top_ / "outside/files/file"));
-}
-
-TEST_F(RecycleBinTest, OpensClosedFoldersAndEndsInDeepOnes) {
-  const fs::path closed = trash_ / "files/closed";
-  Write(closed / "below/file");
-  fs::permissions(closed / "below", fs::perms::owner_read);
-  fs::permissions(closed, fs::perms::none);
-  int at = open((trash_ / "files").c_str(), O_RDONLY);
-  for (int depth = 0; depth < 2000; ++depth) {
+  fs::create_symlink(Path("outside/folder/file"), Path("home/trash/files/to-file"));
+  fs::create_symlink("/nowhere", Path("home/trash/files/to-nothing"));
+  fs::create_directory_symlink("..", Path("home/trash/files/up"));
+  // Deeper than a path can be long.
+  int at = open(Path("home/trash/files").c_str(), O_RDONLY);
+  for (int depth = 0; depth < 2500; ++depth) {
     mkdirat(at, "d", 0700);
     const int next = openat(at, "d", O_RDONLY);
     close(at);
@@ -133,99 +71,96 @@ TEST_F(RecycleBinTest, OpensClosedFoldersAndEndsInDeepOnes) {
   }
   close(at);
   EXPECT_TRUE(Empty());
-  EXPECT_TRUE(fs::is_empty(trash_ / "files"));
+  EXPECT_TRUE(fs::is_empty(Path("home/trash/files")));
+  EXPECT_TRUE(fs::is_empty(Path("home/trash/info")));
+  EXPECT_FALSE(top_.Has("home/trash/directorysizes"));
+  EXPECT_TRUE(Empty()) << "a trash that is empty already";
 }
 
-TEST_F(RecycleBinTest, EmptiesOnVolumesOnlyWhatIsTheUsersOwn) {
-  const std::string user = std::to_string(geteuid());
-  const fs::path good = top_ / "good";
-  Write(good / (".Trash-" + user) / "files/mine");
-  Write(good / ".Trash" / user / "files/mine");
-  Write(good / ".Trash/4242/files/other");
-  Write(good / ".Trash-4242/files/other");
-  Write(good / "files/file");
-  chmod((good / ".Trash").c_str(), 01777);
-  const fs::path notSticky = top_ / "not-sticky";
-  Write(notSticky / ".Trash" / user / "files/kept");
-  const fs::path linked = top_ / "linked";
-  Write(top_ / "outside/files/kept");
-  Write(top_ / "outside" / user / "files/kept");
-  fs::create_directory(linked);
-  fs::create_directory_symlink(top_ / "outside", linked / (".Trash-" + user));
-  fs::create_directory_symlink(top_ / "outside", linked / ".Trash");
-  chmod((top_ / "outside").c_str(), 01777);
-
-  volumes_ = {good, notSticky, linked, top_ / "gone"};
-  EXPECT_TRUE(Empty());
-  EXPECT_TRUE(fs::is_empty(good / (".Trash-" + user) / "files"));
-  EXPECT_TRUE(fs::is_empty(good / ".Trash" / user / "files"));
-  for (const fs::path& kept :
-       {good / ".Trash/4242/files/other", good / ".Trash-4242/files/other", good / "files/file",
-        notSticky / ".Trash" / user / "files/kept", top_ / "outside/files/kept",
-        top_ / "outside" / user / "files/kept"}) {
-    EXPECT_TRUE(fs::exists(kept)) << kept;
+TEST_F(RecycleBin, RefusesATrashThatIsALinkOrHoldsTheHomeFolder) {
+  fs::remove_all(Path("home/trash"));
+  LinkToOutside("home/trash");
+  EXPECT_FALSE(Empty());
+  fs::remove(Path("home/trash"));
+  fs::create_directory(Path("home/trash"));
+  fs::create_directory_symlink(Path("outside/files"), Path("home/trash/files"));
+  Empty();
+  for (const char* home : {"outside", "outside/files", "outside/files/below"}) {
+    fs::create_directories(Path(home));
+    setenv("HOME", Path(home).c_str(), 1);
+    EXPECT_FALSE(platform::EmptyTrash({Path("outside"), {}})) << home;
   }
 }
 
-TEST_F(RecycleBinTest, LeavesATrashThatBelongsToSomebodyElse) {
-  const fs::path volume = top_ / "volume";
-  const fs::path foreign = volume / (".Trash-" + std::to_string(geteuid()));
-  Write(foreign / "files/kept");
-  if (chown(foreign.c_str(), 4242, 4242) != 0) GTEST_SKIP() << "only root can give a folder away";
-  volumes_ = {volume};
-  Empty();
-  EXPECT_TRUE(fs::exists(foreign / "files/kept"));
+TEST_F(RecycleBin, EmptiesOnVolumesOnlyWhatIsTheUsersOwn) {
+  const std::string own[] = {"good/.Trash-" + user_ + "/files", "good/.Trash/" + user_ + "/files"};
+  const std::string kept[] = {"good/.Trash/4242/files/file", "good/.Trash-4242/files/file",
+                              "good/files/file", "not-sticky/.Trash/" + user_ + "/files/file"};
+  for (const std::string& name : own) top_.Write(name + "/mine");
+  for (const std::string& name : kept) top_.Write(name);
+  chmod(Path("good/.Trash").c_str(), 01777);
+  LinkToOutside("linked/.Trash-" + user_);
+  LinkToOutside("linked/.Trash");
+  const std::string foreign = "foreign/.Trash-" + user_;
+  const bool given =
+      chown(fs::path(top_.Write(foreign + "/files/file")).parent_path().c_str(), 4242, 4242) == 0 &&
+      chown(Path(foreign).c_str(), 4242, 4242) == 0;  // Only root can do so.
+  EXPECT_TRUE(Empty({Path("good"), Path("not-sticky"), Path("linked"), Path("gone")}));
+  Empty({Path("foreign")});
+  for (const std::string& name : own) EXPECT_TRUE(fs::is_empty(Path(name))) << name;
+  for (const std::string& name : kept) EXPECT_TRUE(top_.Has(name)) << name;
+  EXPECT_TRUE(!given || top_.Has(foreign + "/files/file"));
 }
 
-TEST_F(RecycleBinTest, DoesNotEnterWhatIsMountedInside) {
-  Write(trash_ / "files/folder/file");
-  Write(trash_ / "info/folder.trashinfo");
-  Write(trash_ / "info/other.trashinfo");
-  const fs::path outside = Outside();
-  for (const char* name : {"other", "same"}) fs::create_directories(trash_ / "files/folder" / name);
-  const Mount other("tmpfs", "tmpfs", trash_ / "files/folder/other");
-  const Mount same(nullptr, outside, trash_ / "files/folder/same", MS_BIND);
-  if (!other || !same) GTEST_SKIP() << "mounting is not permitted";
-  Write(trash_ / "files/folder/other/kept");
+TEST_F(RecycleBin, DoesNotEnterWhatIsMountedInside) {
+  const std::string folder = Path("home/trash/files/folder/");
+  top_.Write("home/trash/files/folder/file");
+  top_.Write("home/trash/info/folder.trashinfo");
+  top_.Write("home/trash/info/other.trashinfo");
+  for (const char* name : {"other", "same"}) fs::create_directories(folder + name);
+  if (mount("none", (folder + "other").c_str(), "tmpfs", 0, nullptr) != 0 ||
+      mount(Path("outside").c_str(), (folder + "same").c_str(), nullptr, MS_BIND, nullptr) != 0) {
+    GTEST_SKIP() << "mounting is not permitted";
+  }
+  top_.Write("home/trash/files/folder/other/kept");
   EXPECT_FALSE(Empty());
-  EXPECT_TRUE(fs::exists(trash_ / "files/folder/other/kept"));
-  EXPECT_TRUE(OutsideIsWhole());
-  EXPECT_FALSE(fs::exists(trash_ / "files/folder/file"));
-  EXPECT_TRUE(fs::exists(trash_ / "info/folder.trashinfo")) << "what stayed can be restored";
-  EXPECT_FALSE(fs::exists(trash_ / "info/other.trashinfo"));
+  EXPECT_TRUE(fs::exists(folder + "other/kept"));
+  EXPECT_FALSE(fs::exists(folder + "file"));
+  EXPECT_TRUE(top_.Has("home/trash/info/folder.trashinfo")) << "what stayed can be restored";
+  EXPECT_FALSE(top_.Has("home/trash/info/other.trashinfo"));
+  for (const char* name : {"other", "same"}) EXPECT_EQ(umount((folder + name).c_str()), 0);
 }
 
-TEST_F(RecycleBinTest, ReadsTheMountPointsThatCanHoldATrash) {
-  Write(top_ / "mountinfo",
-        "22 27 0:21 / /proc rw,relatime - proc proc rw\n"
-        "27 1 254:0 / / rw,relatime - ext4 /dev/vda rw\n"
-        "30 27 8:1 / /media/My\\040Disk\\134 rw shared:1 master:2 - vfat /dev/sda1 rw\n"
-        "31 27 0:50 / /net rw - autofs systemd-1 rw\n"
-        "a line of another form\n");
-  EXPECT_EQ(platform::MountPoints(top_ / "mountinfo"),
+TEST_F(RecycleBin, ReadsTheMountPointsThatCanHoldATrash) {
+  top_.Write("mountinfo",
+             "22 27 0:21 / /proc rw,relatime - proc proc rw\n"
+             "27 1 254:0 / / rw,relatime - ext4 /dev/vda rw\n"
+             "30 27 8:1 / /media/My\\040Disk\\134 rw shared:1 master:2 - vfat /dev/sda1 rw\n"
+             "31 27 0:50 / /net rw - autofs systemd-1 rw\n"
+             "a line of another form\n");
+  EXPECT_EQ(platform::MountPoints(Path("mountinfo")),
             (std::vector<std::string>{"/", "/media/My Disk\\"}));
 }
 
-TEST_F(RecycleBinTest, TellsWhichFoldersMayBeCleared) {
-  const fs::path home = top_ / "home";
-  fs::create_directory(home / "cookies");
-  fs::create_directory_symlink(home / "cookies", home / "good-link");
-  fs::create_directory_symlink(home, top_ / "home-link");
-  fs::create_directory_symlink("/", top_ / "root-link");
-  Write(home / "file");
-  for (const fs::path& folder : {home / "cookies/", home / "cookies", home / "good-link/"}) {
-    EXPECT_TRUE(platform::IsSafeToClear(folder)) << folder;
+TEST_F(RecycleBin, TellsWhichFoldersMayBeCleared) {
+  const std::string home = Path("home");
+  fs::create_directory(home + "/cookies");
+  fs::create_directory_symlink(home + "/cookies", home + "/good-link");
+  fs::create_directory_symlink(home, Path("home-link"));
+  fs::create_directory_symlink("/", Path("root-link"));
+  top_.Write("home/file");
+  for (const char* folder : {"/cookies/", "/cookies", "/good-link/"}) {
+    EXPECT_TRUE(platform::IsSafeToClear(home + folder)) << folder;
   }
+  const WorkingFolder working(home);
   for (const std::string& folder :
        {std::string(), std::string("\\"), std::string("C:\\"), std::string("/"), std::string("//"),
-        std::string("cookies/"), std::string(home), home.string() + "/", std::string(top_),
-        std::string(home / "cookies/.."), std::string(home / "gone"), std::string(home / "file"),
-        std::string(top_ / "home-link/"), std::string(top_ / "root-link/")}) {
+        std::string("cookies/"), home, home + "/", Path(""), home + "/cookies/..", home + "/gone",
+        home + "/file", Path("home-link/"), Path("root-link/")}) {
     EXPECT_FALSE(platform::IsSafeToClear(folder)) << folder;
   }
-  // Another way to the same folder.
-  setenv("HOME", (top_ / "home-link").c_str(), 1);
-  EXPECT_FALSE(platform::IsSafeToClear(home));
+  setenv("HOME", Path("home-link").c_str(), 1);
+  EXPECT_FALSE(platform::IsSafeToClear(home)) << "another way to the same folder";
 }
 
 }  // namespace

@@ -1,22 +1,21 @@
 #pragma once
 
-#include <array>
 #include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <set>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
 
-#include <gtest/gtest.h>
+using Names = std::multiset<std::string>;
 
 /// A folder of its own for one test, gone with it.
 class TemporaryFolder {
  public:
-  TemporaryFolder() {
-    std::string name = (std::filesystem::temp_directory_path() / "unit-XXXXXX").string();
+  explicit TemporaryFolder(
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string name = (parent / "unit-XXXXXX").string();
     folder_ = std::string(mkdtemp(name.data())) + '/';
   }
   TemporaryFolder(const TemporaryFolder&) = delete;
@@ -29,7 +28,9 @@ class TemporaryFolder {
   /// The folder, ending in a separator, and what lies in it.
   std::string Path(std::string_view name = {}) const { return folder_ + std::string(name); }
 
+  /// Writes a file, in folders that are made where missing.
   std::string Write(std::string_view name, std::string_view content = "text") const {
+    std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
     std::ofstream(Path(name), std::ios::binary) << content;
     return Path(name);
   }
@@ -43,10 +44,12 @@ class TemporaryFolder {
     return std::filesystem::exists(std::filesystem::symlink_status(Path(name)));
   }
 
-  /// Sets a file's last access and write time, seconds since 1970.
-  void SetTime(std::string_view name, time_t seconds) const {
-    const std::array<timespec, 2> times{{{seconds, 0}, {seconds, 0}}};
-    ASSERT_EQ(utimensat(AT_FDCWD, Path(name).c_str(), times.data(), 0), 0);
+  Names Entries() const {
+    Names names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
+      names.insert(entry.path().filename());
+    }
+    return names;
   }
 
  private:

@@ -168,3 +168,18 @@ TEST(Files, AFullDiskKeepsTheOldContent) {
   EXPECT_EQ(disk.Entries(), (Names{"config.ini", "log.txt"}));
   umount(disk.Path().c_str());
 }
+
+// The kernel begins a listing of tmpfs anew when the file where it paused is gone with all older
+// ones.
+TEST(Files, AFolderThatIsBeingEmptiedGivesEveryFileOnce) {
+  const TemporaryFolder folder("/dev/shm");
+  const auto name = [](int number) { return std::to_string(number) + ".txt"; };
+  for (int i = 0; i < 5000; ++i) folder.Write(name(i));
+  WIN32_FIND_DATA data;
+  const HANDLE search = FindFirstFileA(folder.Path("*.txt"), data);
+  for (int i = 0; i < 4000; ++i) unlink(folder.Path(name(i)).c_str());
+  Names found;
+  while (FindNextFileA(search, data) != 0) found.insert(data.cFileName.data());
+  FindClose(search);
+  for (int i = 4000; i < 4990; ++i) EXPECT_EQ(found.count(name(i)), 1u) << i;
+}

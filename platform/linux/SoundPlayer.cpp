@@ -1,9 +1,10 @@
 #include "platform/linux/SoundPlayer.h"
 
+#include <algorithm>
 #include <chrono>
-#include <thread>
 #include <utility>
 
+#include <QAbstractEventDispatcher>
 #include <QAudioDevice>
 #include <QCoreApplication>
 #include <QDateTime>
@@ -22,17 +23,6 @@ using namespace std::chrono_literals;
 namespace platform {
 
 namespace {
-
-const std::thread::id programThread = std::this_thread::get_id();
-QtMessageHandler handlerBefore = nullptr;
-
-/// A server that goes away is no news for the terminal. Such messages come from the player's thread
-/// and from threads of the toolkit, all others from the program's own.
-void KeepQuiet(QtMsgType type, const QMessageLogContext& context, const QString& message) {
-  if (type == QtFatalMsg || std::this_thread::get_id() == programThread) {
-    handlerBefore(type, context, message);
-  }
-}
 
 /// What a loaded sound was made from and for; when it changes, the sound is loaded anew.
 struct Origin {
@@ -53,6 +43,11 @@ class SoundPlayer::Worker : public QObject {
  public:
   explicit Worker(SoundPlayer& player) : player_(player) {}
 
+  void Begin() {
+    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
+            &Worker::AwaitLostServer);
+  }
+
   void CarryOut() {
     for (const auto& [path, wish] : player_.TakeWishes()) {
       const auto loaded = sounds_.find(path);
@@ -62,6 +57,18 @@ class SoundPlayer::Worker : public QObject {
   }
 
  private:
+  /// When its server goes, the toolkit sets a timer, tries once to reach it again, and is silent
+  /// for good when that fails. So the thread, and with it the timer, stands still meanwhile.
+  void AwaitLostServer() {
+    const QObjectList& timers = QAbstractEventDispatcher::instance()->children();
+    if (std::none_of(timers.begin(), timers.end(),
+                     [](const QObject* timer) { return timer->inherits("QSingleShotTimer"); })) {
+      return;
+    }
+    while (!SoundServerAnswers(2s)) QThread::sleep(1);
+    player_.TakeWishes();  // their moment has passed
+  }
+
   bool HasOutput() {
     if (!reached_ && notBefore_.hasExpired()) {
       reached_ = SoundServerAnswers(2s);
@@ -96,8 +103,8 @@ SoundPlayer& SoundPlayer::Instance() {
 }
 
 SoundPlayer::SoundPlayer() : thread_(new QThread), worker_(new Worker(*this)) {
-  handlerBefore = qInstallMessageHandler(KeepQuiet);
   worker_->moveToThread(thread_);
+  QObject::connect(thread_, &QThread::started, worker_, &Worker::Begin);
   QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
   thread_->start(QThread::LowPriority);
   qAddPostRoutine([] { Instance().End(); });

@@ -1,0 +1,79 @@
+"""The cleaner on real folders, and on a trash that the desktop's own tool has filled."""
+
+import os
+import re
+import subprocess
+from pathlib import Path
+
+from harness import SAVE_LOG, DesktopTest, main
+
+
+def others_trash(but):
+    """What the user has in the trash of volumes of this machine: it would be emptied too."""
+    for line in Path("/proc/self/mountinfo").read_text().splitlines():
+        volume = Path(re.sub(r"\\(\d{3})", lambda code: chr(int(code[1], 8)), line.split()[4]))
+        for trash in (volume / f".Trash-{os.getuid()}", volume / f".Trash/{os.getuid()}"):
+            files = trash / "files"
+            if volume != but and os.access(files, os.R_OK) and any(files.iterdir()):
+                return trash
+    return None
+
+
+def fill(*paths):
+    for path in paths:
+        path.parent.mkdir(parents=True, exist_ok=True)
+        path.write_text("text")
+
+
+class CleanerTest(DesktopTest):
+    def test_everything(self):
+        program = self.program(config=SAVE_LOG)
+        top, recent = program.folder.parent, program.folder.parent / "data/RecentDocuments"
+        outside, volume = top / "outside/kept", top / "volume"
+        volume.mkdir()
+        mounted = subprocess.run(["mount", "-t", "tmpfs", "tmpfs", volume],
+                                 capture_output=True).returncode == 0
+        if mounted:
+            self.addCleanup(subprocess.run, ["umount", "-l", volume])
+        if trash := others_trash(volume):
+            self.skipTest(f"{trash} would be emptied")
+        gone = [recent / "document.desktop", program.cookies / "a.txt", program.cookies / "B.TXT"]
+        kept = [outside, recent / "folder/below", program.cookies / "other.dat"]
+        if mounted:  # gio puts nothing into the trash of such a volume, other desktops do
+            foreign = volume / f".Trash-{os.getuid()}"
+            gone += [foreign / "files/file", foreign / "info/file.trashinfo"]
+            kept.append(volume / ".Trash-4242/files/kept")
+        fill(*gone, *kept, top / "file", top / "folder/below/file")
+        for link in (program.cookies / "link.txt", recent / "link", top / "folder/link",
+                     top / "link"):
+            link.symlink_to(outside)
+        subprocess.run(["gio", "trash", "file", "folder", "link"], cwd=top, env=program.env,
+                       check=True)
+        trash = top / "data/Trash"
+        gone += [recent / "link", program.cookies / "link.txt",
+                 *(trash / "files").iterdir(), *(trash / "info").iterdir()]
+        self.assertTrue(all(os.path.lexists(path) for path in gone + kept))
+
+        program.start()
+        program.select_tab("Tools")
+        for box in ("Clean Cookies", "Empty Recycle Bin", "Clean Windows Recent Documents History"):
+            program.check_box(box).click()
+        program.button("Clean").click()
+        program.button("Yes").press()
+        program.button("OK").press()
+        self.assertEqual([path for path in gone if os.path.lexists(path)], [])
+        self.assertEqual([path for path in kept if not path.exists()], [])
+        # The cleaned cookies are one line and no report.
+        fill(program.cookies / "next.txt")
+        cleaned, added = program.wait_for_log(2)
+        self.assertTrue(cleaned.endswith(" - Cookies are cleaned **********"), cleaned)
+        self.assertIn("added: next.txt", added)
+        self.assertEqual(program.log_lines(), [cleaned, added])
+        # The desktop's tool finds a whole trash and can go on with it.
+        fill(top / "again")
+        subprocess.run(["gio", "trash", "again"], cwd=top, env=program.env, check=True)
+        self.assertTrue((trash / "files/again").exists())
+
+
+if __name__ == "__main__":
+    main()

@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QEvent>
 #include <QFont>
+#include <QLoggingCategory>
 #include <QSessionManager>
 #include <QSocketNotifier>
 #include <QStringList>
@@ -49,6 +51,30 @@ void UnloadOnSignal(Form& form) {
     if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
   }
 }
+
+class Application : public QApplication {
+ public:
+  Application(int& argc, char** argv) : QApplication(argc, argv) {
+    for (const auto request : {&Application::commitDataRequest, &Application::saveStateRequest}) {
+      // The next session's copy is the autostart entry's alone. Nothing ends here: the user can
+      // still take the logout back.
+      connect(
+          this, request, this,
+          [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); },
+          Qt::DirectConnection);
+    }
+  }
+
+  Form* StartUp = nullptr;
+
+ protected:
+  /// The desktop session has ended. The toolkit would ask every window, and take a refusal of any.
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::Quit || !StartUp) return QApplication::event(event);
+    StartUp->Unload();
+    return true;
+  }
+};
 
 /// The classic dialog face at 8.25 points is 11 pixels high; the faces named here have its widths.
 QFont DialogFont() {
@@ -91,16 +117,16 @@ int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Fo
   PreferX11();
   // The wait for a change listens to what Qt's GLib dispatcher waits for.
   unsetenv("QT_NO_GLIB");
-  QApplication application(argc, argv);
+  // What the toolkit misses of a desktop is no news for the terminal; QT_LOGGING_RULES shows it.
+  QLoggingCategory::setFilterRules("*=false");
+  Application application(argc, argv);
   QCoreApplication::setApplicationName("Quillmere");
   QApplication::setFont(DialogFont());
   QApplication::setQuitOnLastWindowClosed(false);
 
   const std::unique_ptr<Form> form = startUp();
   UnloadOnSignal(*form);
-  QObject::connect(
-      &application, &QGuiApplication::commitDataRequest, &application,
-      [&form](QSessionManager&) { form->Unload(); }, Qt::DirectConnection);
+  application.StartUp = form.get();
   form->Load();
   return QApplication::exec();
 }

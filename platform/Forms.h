@@ -210,7 +210,8 @@ class Menu {
     const char* Caption;  ///< "-" is a separator.
     std::function<void()> Click;
   };
-  Menu(Container& parent, const std::vector<Entry>& entries);
+  /// The caption of the menu itself shows nowhere: there is no menu bar.
+  Menu(Container& parent, const char* caption, const std::vector<Entry>& entries);
   Menu(const Menu&) = delete;
   Menu& operator=(const Menu&) = delete;
   ~Menu();

@@ -1,7 +1,5 @@
 #include "ui/FormAbout.h"
 
-#include <string>
-
 #include "platform/Application.h"
 #include "platform/Shell.h"
 
@@ -57,17 +55,21 @@ FormAbout::FormAbout()
   Label3.ForeColor(Black);
   Label1.AutoSize();
   Label2.AutoSize();
-  const auto open = [this](const std::string& target) {
-    platform::ShellExecuteA(hWnd(), "open", target, "", platform::AppPath(),
-                            platform::SW_SHOWNORMAL);
-  };
   for (platform::Label* link : {&LabelEmail, &LabelWeb}) {
     link->FontUnderline(true);
     link->AutoSize();
     link->Link();
   }
-  LabelEmail.Click = [open] { open(std::string("mailto:") + Mailbox); };
-  LabelWeb.Click = [open] { open(WebAddress); };
-  Command2.Click = [this] { Unload(); };
+  LabelEmail.Click = [this] { LabelEmail_Click(); };
+  LabelWeb.Click = [this] { LabelWeb_Click(); };
+  Command2.Click = [this] { Command2_Click(); };
   Command2.Cancel();
+}
+
+void FormAbout::Command2_Click() { Unload(); }
+void FormAbout::LabelEmail_Click() { Open(std::string("mailto:") + Mailbox); }
+void FormAbout::LabelWeb_Click() { Open(WebAddress); }
+
+void FormAbout::Open(const std::string& target) {
+  platform::ShellExecuteA(hWnd(), "open", target, "", platform::AppPath(), platform::SW_SHOWNORMAL);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "platform/Forms.h"
 
 /// The about box: the program's name, its publisher's mailbox and web address. One shared instance.
@@ -8,6 +10,11 @@ class FormAbout : public platform::Form {
   FormAbout();
 
  private:
+  void Command2_Click();
+  void LabelEmail_Click();
+  void LabelWeb_Click();
+  void Open(const std::string& target);
+
   platform::CommandButton Command2;
   platform::Label LabelEmail;
   platform::Label LabelWeb;

@@ -121,16 +121,19 @@ FormMain::FormMain()
       TimerCompare(TimerMilliseconds, true),
       TimerCookie(TimerMilliseconds, true),
       TimerStart(StartRetryMilliseconds, false),
-      MenuCookie(*this, {{"Menu_View", "View detail", [this] { ViewDetail(ListVCookie); }},
-                         {"Menu_Delete", "Delete", [this] { DeleteSelected(ListVCookie); }}}),
-      MenuSearch(*this, {{"Menu_ViewSearch", "View detail", [this] { ViewDetail(ListVSearch); }},
-                         {"Menu_DelSearch", "Delete", [this] { DeleteSelected(ListVSearch); }}}),
-      MenuPopup(*this, {{"Menu_Show", "Show", [this] { Menu_Show_Click(); }},
-                        {"Menu_x", "-", {}},
-                        {"Menu_Help", "Help", [this] { CmdHelp_Click(); }},
-                        {"Menu_About", "About", [this] { CmdAbout_Click(); }},
-                        {"Menu_y", "-", {}},
-                        {"Menu_Exit", "Exit", [this] { Menu_Exit_Click(); }}}) {
+      MenuCookie(*this, "MenuLV",
+                 {{"Menu_View", "View detail", [this] { Menu_View_Click(); }},
+                  {"Menu_Delete", "Delete", [this] { Menu_Delete_Click(); }}}),
+      MenuSearch(*this, "MenuLS",
+                 {{"Menu_ViewSearch", "View detail", [this] { Menu_ViewSearch_Click(); }},
+                  {"Menu_DelSearch", "Delete", [this] { Menu_DelSearch_Click(); }}}),
+      MenuPopup(*this, "MenuPopup",
+                {{"Menu_Show", "Show", [this] { Menu_Show_Click(); }},
+                 {"Menu_x", "-", {}},
+                 {"Menu_Help", "Help", [this] { Menu_Help_Click(); }},
+                 {"Menu_About", "About", [this] { Menu_About_Click(); }},
+                 {"Menu_y", "-", {}},
+                 {"Menu_Exit", "Exit", [this] { Menu_Exit_Click(); }}}) {
   Image1.Visible(false);
   TextSearch.Text("password");
   ConnectEvents();
@@ -143,7 +146,7 @@ void FormMain::ConnectEvents() {
   CmdAbout.Click = [this] { CmdAbout_Click(); };
   TabStrip1.Click = [this] { TabStrip1_Click(); };
   CmdSearch.Click = [this] { CmdSearch_Click(); };
-  TextSearch.KeyPress = [this](int KeyAscii) { TextSearch_KeyPress(KeyAscii); };
+  TextSearch.KeyPress = [this](std::int16_t KeyAscii) { TextSearch_KeyPress(KeyAscii); };
   CmdClean.Click = [this] { CmdClean_Click(); };
   CmdSound1.Click = [this] { CmdSound1_Click(); };
   CmdSound2.Click = [this] { CmdSound2_Click(); };
@@ -155,13 +158,16 @@ void FormMain::ConnectEvents() {
   TimerCompare.Tick = [this] { TimerCompare_Timer(); };
   TimerCookie.Tick = [this] { TimerCookie_Timer(); };
   TimerStart.Tick = [this] { TimerStart_Timer(); };
-  ConnectListEvents(ListVCookie, MenuCookie);
-  ConnectListEvents(ListVSearch, MenuSearch);
+  ConnectListEvents();
 }
 
-void FormMain::ConnectListEvents(platform::ListView& list, platform::Menu& menu) {
-  list.DblClick = [this, &list] { ViewDetail(list); };
-  list.KeyPress = [this, &list](int KeyAscii) { List_KeyPress(list, KeyAscii); };
-  list.MouseUp = [this, &list, &menu](int Button) { List_MouseUp(list, menu, Button); };
-  list.ColumnClick = [this, &list](int Index) { ColumnClick(list, ColumnAscending, Index); };
+void FormMain::ConnectListEvents() {
+  ListVCookie.ColumnClick = [this](int Index) { ListVCookie_ColumnClick(Index); };
+  ListVCookie.DblClick = [this] { ListVCookie_DblClick(); };
+  ListVCookie.KeyPress = [this](std::int16_t KeyAscii) { ListVCookie_KeyPress(KeyAscii); };
+  ListVCookie.MouseUp = [this](std::int16_t Button) { ListVCookie_MouseUp(Button); };
+  ListVSearch.ColumnClick = [this](int Index) { ListVSearch_ColumnClick(Index); };
+  ListVSearch.DblClick = [this] { ListVSearch_DblClick(); };
+  ListVSearch.KeyPress = [this](std::int16_t KeyAscii) { ListVSearch_KeyPress(KeyAscii); };
+  ListVSearch.MouseUp = [this](std::int16_t Button) { ListVSearch_MouseUp(Button); };
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 #include "cookies/modSortListView.h"
 #include "monitor/Comparison.h"
@@ -64,7 +65,7 @@ class FormMain : public platform::Form, private ChangeReports {
 
  private:
   void ConnectEvents();
-  void ConnectListEvents(platform::ListView& list, platform::Menu& menu);
+  void ConnectListEvents();
 
   void InitMainWindow();
   void SetListStyle();
@@ -77,7 +78,7 @@ class FormMain : public platform::Form, private ChangeReports {
   void CmdHelp_Click();
   void CmdAbout_Click();
   void CmdSearch_Click();
-  void TextSearch_KeyPress(int KeyAscii);
+  void TextSearch_KeyPress(std::int16_t KeyAscii);
   void CmdClean_Click();
   void CmdSound1_Click();
   void CmdSound2_Click();
@@ -89,14 +90,26 @@ class FormMain : public platform::Form, private ChangeReports {
   void TimerCompare_Timer();
   void TimerCookie_Timer();
   void TimerStart_Timer();
-  void Menu_Show_Click();
-  void Menu_Exit_Click();
 
-  // The events that both cookie lists have.
-  void ViewDetail(platform::ListView& list);
-  void DeleteSelected(platform::ListView& list);
-  void List_KeyPress(platform::ListView& list, int KeyAscii);
-  void List_MouseUp(platform::ListView& list, platform::Menu& menu, int Button);
+  void ListVCookie_ColumnClick(int Index);
+  void ListVCookie_DblClick();
+  void ListVCookie_KeyPress(std::int16_t KeyAscii);
+  void ListVCookie_MouseUp(std::int16_t Button);
+  void ListVSearch_ColumnClick(int Index);
+  void ListVSearch_DblClick();
+  void ListVSearch_KeyPress(std::int16_t KeyAscii);
+  void ListVSearch_MouseUp(std::int16_t Button);
+  /// `Which` is 1 for `ListVCookie`, 2 for `ListVSearch`.
+  void ShowCookieDetail(std::int32_t Which);
+
+  void Menu_View_Click();
+  void Menu_Delete_Click();
+  void Menu_ViewSearch_Click();
+  void Menu_DelSearch_Click();
+  void Menu_Show_Click();
+  void Menu_Help_Click();
+  void Menu_About_Click();
+  void Menu_Exit_Click();
 
   void ReportModified(std::size_t oldRow, std::size_t newRow) override;
   void ReportAdded(std::size_t newRow) override;

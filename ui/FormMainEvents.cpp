@@ -1,5 +1,7 @@
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -27,6 +29,9 @@ namespace {
 constexpr int EnterKey = 13;
 constexpr int RightButton = 2;
 constexpr int CookieNameField = 2;  // entry of Combo1
+// The lists, as `ShowCookieDetail` tells them apart.
+constexpr std::int32_t CookieList = 1;
+constexpr std::int32_t SearchList = 2;
 
 std::string_view Trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(' ');
@@ -122,7 +127,8 @@ void FormMain::TabStrip1_Click() {
   HideAllPanels();
   platform::Control* const pages[] = {&ListLog,  &ListVCookie, &Picture1,
                                       &Picture2, &Picture3,    &Picture4};
-  pages[TabStrip1.SelectedItem() - 1]->Visible(true);
+  const auto page = static_cast<std::size_t>(TabStrip1.SelectedItem() - 1);
+  if (page < std::size(pages)) pages[page]->Visible(true);
 }
 
 void FormMain::Form_Resize() {
@@ -198,20 +204,44 @@ void FormMain::TimerCookie_Timer() { CookieListTick(ListVCookie, WindowState());
 
 void FormMain::CmdSearch_Click() { SearchCookies(TextSearch, Combo1.ListIndex(), ListVSearch); }
 
-void FormMain::TextSearch_KeyPress(int KeyAscii) {
+void FormMain::TextSearch_KeyPress(std::int16_t KeyAscii) {
   if (KeyAscii == EnterKey) CmdSearch_Click();
 }
 
-void FormMain::ViewDetail(platform::ListView& list) { ShowCookieDetail(list, *this); }
-
-void FormMain::DeleteSelected(platform::ListView& list) { DeleteSelectedCookieFiles(list); }
-
-void FormMain::List_KeyPress(platform::ListView& list, int KeyAscii) {
-  if (KeyAscii == EnterKey) ViewDetail(list);
+void FormMain::ListVCookie_ColumnClick(int Index) {
+  ColumnClick(ListVCookie, ColumnAscending, Index);
 }
 
-void FormMain::List_MouseUp(platform::ListView& list, platform::Menu& menu, int Button) {
-  if (list.Count() > 0 && Button == RightButton) PopupMenu(menu);
+void FormMain::ListVSearch_ColumnClick(int Index) {
+  ColumnClick(ListVSearch, ColumnAscending, Index);
+}
+
+void FormMain::ListVCookie_DblClick() { ShowCookieDetail(CookieList); }
+void FormMain::ListVSearch_DblClick() { ShowCookieDetail(SearchList); }
+
+void FormMain::ListVCookie_KeyPress(std::int16_t KeyAscii) {
+  if (KeyAscii == EnterKey) ShowCookieDetail(CookieList);
+}
+
+void FormMain::ListVSearch_KeyPress(std::int16_t KeyAscii) {
+  if (KeyAscii == EnterKey) ShowCookieDetail(SearchList);
+}
+
+void FormMain::ListVCookie_MouseUp(std::int16_t Button) {
+  if (ListVCookie.Count() > 0 && Button == RightButton) PopupMenu(MenuCookie);
+}
+
+void FormMain::ListVSearch_MouseUp(std::int16_t Button) {
+  if (ListVSearch.Count() > 0 && Button == RightButton) PopupMenu(MenuSearch);
+}
+
+void FormMain::Menu_View_Click() { ShowCookieDetail(CookieList); }
+void FormMain::Menu_ViewSearch_Click() { ShowCookieDetail(SearchList); }
+void FormMain::Menu_Delete_Click() { DeleteSelectedCookieFiles(ListVCookie); }
+void FormMain::Menu_DelSearch_Click() { DeleteSelectedCookieFiles(ListVSearch); }
+
+void FormMain::ShowCookieDetail(std::int32_t Which) {
+  ::ShowCookieDetail(Which == CookieList ? ListVCookie : ListVSearch, *this);
 }
 
 // --- Tools, sound, options, information ----------------------------------------------------------
@@ -237,3 +267,6 @@ void FormMain::CmdHelp_Click() {
 }
 
 void FormMain::CmdAbout_Click() { About.Show(this); }
+
+void FormMain::Menu_Help_Click() { CmdHelp_Click(); }
+void FormMain::Menu_About_Click() { CmdAbout_Click(); }

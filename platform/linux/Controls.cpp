@@ -517,8 +517,8 @@ void Timer::Enabled(bool enabled) {
   }
 }
 
-Menu::Menu(Container& parent, const std::vector<Entry>& entries)
-    : native_(::platform::Native(new QMenu(Widget(parent)))) {
+Menu::Menu(Container& parent, const char* caption, const std::vector<Entry>& entries)
+    : native_(::platform::Native(new QMenu(FromText(caption), Widget(parent)))) {
   auto* menu = static_cast<QMenu*>(Widget(native_));
   for (const Entry& entry : entries) {
     if (std::string_view(entry.Caption) == "-") {

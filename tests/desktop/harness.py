@@ -44,6 +44,17 @@ def wait_until(condition, what, seconds=15):
     raise AssertionError(f"waited {seconds * PATIENCE:.0f} s in vain: {what}")
 
 
+def act_until(act, condition, what):
+    """Acts as a person does: once more where a window that comes or goes took the click."""
+    def acted():
+        if not condition():
+            act()
+            with contextlib.suppress(AssertionError):
+                wait_until(condition, what, 3)
+        return condition()
+    wait_until(acted, what)
+
+
 def run(*command, check=True):
     return subprocess.run([str(word) for word in command], check=check, capture_output=True,
                           text=True, timeout=60 * PATIENCE).stdout
@@ -263,7 +274,7 @@ class Program:
     def geometry(self, window=None):
         """Left, top, width and height of the window without its frame, in pixels."""
         window = window or self.find_window()
-        told = wait_until(lambda: self.window_info(window), "the window's place")
+        told = wait_until(lambda: self.window_info(window), f"the place of window {window}")
         return tuple(int(told[key]) for key in (
             "Absolute upper-left X", "Absolute upper-left Y", "Width", "Height"))
 
@@ -281,10 +292,13 @@ class Program:
 
     def switch_maximised(self):
         """By a double click on the title."""
-        left, top, width, _ = self.geometry()
-        maximised = "MAXIMIZED" in self.window_states()
-        double_click(left + width // 2, top - self.frame()[2] // 2)
-        wait_until(lambda: maximised != ("MAXIMIZED" in self.window_states()), "the new size")
+        before = "MAXIMIZED" in self.window_states()
+
+        def on_title():
+            left, top, width, _ = self.geometry()
+            double_click(left + width // 2, top - self.frame()[2] // 2)
+
+        act_until(on_title, lambda: ("MAXIMIZED" in self.window_states()) != before, "the new size")
 
     def activate(self):
         run("xdotool", "windowactivate", "--sync", self.find_window())
@@ -350,15 +364,8 @@ class Program:
 
     def select_tab(self, caption):
         tab = self.control("page tab", caption)
-
-        def selected():
-            # The window manager can still be placing a new window: then the click goes beside it.
-            tab.click()
-            with contextlib.suppress(AssertionError):
-                # The toolkit tells of the selected tab by this state.
-                return wait_until(lambda: tab.has("focused"), "the state", seconds=2)
-            return False
-        wait_until(selected, f"tab '{caption}'")
+        # The toolkit tells of the selected tab by this state.
+        act_until(tab.click, lambda: tab.has("focused"), f"tab '{caption}'")
 
     def log_lines(self):
         """What the on-screen log shows."""
@@ -385,7 +392,7 @@ SAVE_LOG = options()
 
 def cookies(*names):
     """A file of so many cookies."""
-    return "".join(f"{name}\n42\nshop.example/\n0\n0\n30000000\n0\n0\n*\n" for name in names).encode()
+    return "".join(map("{}\n42\nshop.example/\n0\n0\n30000000\n0\n0\n*\n".format, names)).encode()
 
 
 class DesktopTest(unittest.TestCase):

@@ -14,13 +14,8 @@ ITEM = "org.kde.StatusNotifierItem"
 MENU = "com.canonical.dbusmenu"
 INTERFACE = f"""<node><interface name="{NAME}">
   <method name="RegisterStatusNotifierItem"><arg type="s" direction="in"/></method>
-  <method name="RegisterStatusNotifierHost"><arg type="s" direction="in"/></method>
   <property name="RegisteredStatusNotifierItems" type="as" access="read"/>
   <property name="IsStatusNotifierHostRegistered" type="b" access="read"/>
-  <property name="ProtocolVersion" type="i" access="read"/>
-  <signal name="StatusNotifierItemRegistered"><arg type="s"/></signal>
-  <signal name="StatusNotifierItemUnregistered"><arg type="s"/></signal>
-  <signal name="StatusNotifierHostRegistered"/>
 </interface></node>"""
 
 
@@ -29,22 +24,20 @@ def watch():
     items = []
     bus = Gio.bus_get_sync(Gio.BusType.SESSION)
 
-    def call(_bus, sender, _path, _interface, method, arguments, invocation):
-        if method == "RegisterStatusNotifierItem":
-            text = arguments.unpack()[0]
-            service, path = (sender, text) if text.startswith("/") else (text, "/StatusNotifierItem")
-            items.append((service, path))
-            Gio.bus_watch_name_on_connection(
-                bus, service, 0, None,
-                lambda _bus, name: [items.remove(item) for item in items[:] if item[0] == name])
+    def register(_bus, sender, _path, _interface, _method, arguments, invocation):
+        text, = arguments.unpack()
+        service, path = (sender, text) if text.startswith("/") else (text, "/StatusNotifierItem")
+        items.append((service, path))
+        Gio.bus_watch_name_on_connection(
+            bus, service, 0, None,
+            lambda _bus, name: [items.remove(item) for item in items[:] if item[0] == name])
         invocation.return_value(None)
 
     def read(_bus, _sender, _path, _interface, name):
         return {"RegisteredStatusNotifierItems": GLib.Variant("as", [a + b for a, b in items]),
-                "IsStatusNotifierHostRegistered": GLib.Variant("b", True),
-                "ProtocolVersion": GLib.Variant("i", 0)}[name]
+                "IsStatusNotifierHostRegistered": GLib.Variant("b", True)}[name]
 
-    bus.register_object(PATH, Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0], call, read)
+    bus.register_object(PATH, Gio.DBusNodeInfo.new_for_xml(INTERFACE).interfaces[0], register, read)
     Gio.bus_own_name_on_connection(bus, NAME, 0, None, lambda *_: sys.exit("the name is taken"))
     GLib.MainLoop().run()
 
@@ -57,29 +50,29 @@ class NotifierTray:
             Gio.DBusConnectionFlags.AUTHENTICATION_CLIENT
             | Gio.DBusConnectionFlags.MESSAGE_BUS_CONNECTION)
 
-    def _call(self, service, path, interface, method, arguments=None):
-        return self.bus.call_sync(service, path, interface, method, arguments, None, 0, 20000)
+    def _call(self, service, path, interface, method, types, *arguments):
+        return self.bus.call_sync(service, path, interface, method, GLib.Variant(types, arguments),
+                                  None, 0, 20000)
 
     def _property(self, service, path, interface, name):
-        return self._call(service, path, "org.freedesktop.DBus.Properties", "Get",
-                          GLib.Variant("(ss)", (interface, name))).unpack()[0]
+        return self._call(service, path, "org.freedesktop.DBus.Properties", "Get", "(ss)",
+                          interface, name).unpack()[0]
 
     def items(self):
-        try:
-            items = self._property(NAME, PATH, NAME, "RegisteredStatusNotifierItems")
-        except GLib.Error:  # not on the bus yet
+        if not self.is_up():
             return []
+        items = self._property(NAME, PATH, NAME, "RegisteredStatusNotifierItems")
         return [(item[:item.index("/")], item[item.index("/"):]) for item in items]
 
     def is_up(self):
         return self._call("org.freedesktop.DBus", "/", "org.freedesktop.DBus", "NameHasOwner",
-                          GLib.Variant("(s)", (NAME,))).unpack()[0]
+                          "(s)", NAME).unpack()[0]
 
     def tool_tip(self):
         return self._property(*self.items()[0], ITEM, "ToolTip")[2]
 
     def click(self):
-        self._call(*self.items()[0], ITEM, "Activate", GLib.Variant("(ii)", (0, 0)))
+        self._call(*self.items()[0], ITEM, "Activate", "(ii)", 0, 0)
 
     def double_click(self):
         """Hosts of this kind know whole clicks only."""
@@ -88,26 +81,23 @@ class NotifierTray:
 
     def right_click(self):
         """What a host does that draws no menus."""
-        self._call(*self.items()[0], ITEM, "ContextMenu", GLib.Variant("(ii)", (0, 0)))
+        self._call(*self.items()[0], ITEM, "ContextMenu", "(ii)", 0, 0)
+
+    def _menu(self):
+        service, path = self.items()[0]
+        return service, self._property(service, path, ITEM, "Menu"), MENU
 
     def menu(self):
-        """The menu that hosts draw: number, type and caption of each entry."""
-        service, path = self.items()[0]
-        menu = self._property(service, path, ITEM, "Menu")
-        self._call(service, menu, MENU, "AboutToShow", GLib.Variant("(i)", (0,)))
-        layout = self._call(service, menu, MENU, "GetLayout",
-                            GLib.Variant("(iias)", (0, -1, []))).unpack()[1]
-        return [(number, values.get("type", "standard"), values.get("label", ""))
-                for number, values, _ in layout[2]]
+        """The menu that hosts draw: number and caption of each entry."""
+        self._call(*self._menu(), "AboutToShow", "(i)", 0)
+        layout = self._call(*self._menu(), "GetLayout", "(iias)", 0, -1, []).unpack()[1]
+        return [(number, values.get("label", "-")) for number, values, _ in layout[2]]
 
     def choose(self, caption):
-        service, path = self.items()[0]
-        number = next(number for number, _, label in self.menu() if label == caption)
-        menu = self._property(service, path, ITEM, "Menu")
+        number = next(number for number, label in self.menu() if label == caption)
         # No answer is waited for: "Exit" ends the program before it could come.
-        self.bus.call(service, menu, MENU, "Event",
-                      GLib.Variant("(isvu)", (number, "clicked", GLib.Variant("i", 0),
-                                              int(time.time()))), None, 0, 20000)
+        self.bus.call(*self._menu(), "Event", GLib.Variant(
+            "(isvu)", (number, "clicked", GLib.Variant("i", 0), int(time.time()))), None, 0, 20000)
         self.bus.flush_sync()
 
 

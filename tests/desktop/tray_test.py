@@ -1,14 +1,12 @@
 """The tray icon on both kinds of tray: clicks, the menu, and the ways back from every state."""
 
-import contextlib
-import subprocess
+import re
 import time
 
-from harness import DesktopTest, end_process, main, run, wait_until
+from harness import (DesktopTest, act_until, double_click, end_process, key, main, options, run,
+                     wait_until)
 from notifier_host import NotifierTray
 
-TO_TRAY = b"SaveLog=False\r\nToTray=True\r\nPlaySound1=False\r\nPlaySound2=False\r\n"
-TO_TASKBAR = TO_TRAY.replace(b"ToTray=True", b"ToTray=False")
 CLIENT = (535, 254)
 ENTRIES = ["Show", "-", "Help", "About", "-", "Exit"]
 
@@ -20,42 +18,28 @@ class EmbeddingTray:
         self.process = desktop.start("trayer", "--edge", "bottom", "--align", "left", "--widthtype",
                                      "request", "--height", "24", "--expand", "false")
 
-    def items(self):
-        """The windows of the icons."""
-        found = subprocess.run(["xdotool", "search", "--class", "^trayer$"], capture_output=True,
-                               text=True).stdout.split()
-        icons = set()
-        for window in found:
-            with contextlib.suppress(subprocess.CalledProcessError):
-                tree = run("xwininfo", "-tree", "-id", window)
-                icons |= {str(int(line.split()[0], 16)) for line in tree.splitlines()
-                          if '("quillmere"' in line}
-        return sorted(icons)
-
-    def point(self):
-        window = wait_until(self.items, "the icon")[0]
-        text = run("xdotool", "getwindowgeometry", "--shell", window)
-        values = dict(line.split("=") for line in text.splitlines())
-        run("xdotool", "mousemove", int(values["X"]) + int(values["WIDTH"]) // 2,
-            int(values["Y"]) + int(values["HEIGHT"]) // 2)
-
-    def click(self, *clicks):
-        self.point()
-        run("xdotool", *(clicks or ("click", 1)))
-
-    def double_click(self):
-        self.click("click", "--repeat", 2, "--delay", 50, 1)
-
-    def right_click(self):
-        self.click("click", 3)
+    def tree(self):
+        """All windows; they cannot be read while one goes."""
+        return wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
 
     def is_up(self):
-        # The tree cannot be read while a window goes out of it.
-        return '"panel" "trayer"' in wait_until(
-            lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
+        return '"panel" "trayer"' in self.tree()
 
+    def items(self):
+        """Where the icons are: the program's windows of an icon's size."""
+        found = re.findall(r'"quillmere" .* (\d+)x(\d+)\+-?\d+\+-?\d+ +\+(\d+)\+(\d+)$',
+                           self.tree(), re.MULTILINE)
+        return [(int(left) + 5, int(top) + 5) for width, height, left, top in found
+                if 10 < int(width) <= 32 and int(height) <= 32 and int(top) > 900]
 
-TRAYS = (EmbeddingTray, NotifierTray)
+    def click(self, button=1):
+        run("xdotool", "mousemove", *self.items()[0], "click", button)
+
+    def double_click(self):
+        double_click(*self.items()[0])
+
+    def right_click(self):
+        self.click(3)
 
 
 class TrayTest(DesktopTest):
@@ -64,130 +48,106 @@ class TrayTest(DesktopTest):
         self.addCleanup(end_process, self.tray.process)
         wait_until(self.tray.is_up, "the tray")
 
-    def with_icon(self, tray, **options):
-        self.put_up(tray)
-        program = self.started(**options)
-        wait_until(self.tray.items, "the icon")
-        return program
+    def take_down(self):
+        end_process(self.tray.process)
+        wait_until(lambda: not self.tray.is_up(), "the tray to go")
 
-    def on_screen(self, program, name):
-        """The windows of that name that can be seen; an open menu has none."""
-        found = subprocess.run(["xdotool", "search", "--onlyvisible", "--all", "--pid",
-                                str(program.process.pid), "--name", f"^{name}$"],
-                               capture_output=True, text=True).stdout.split()
-        return [window for window in found if window not in self.tray.items()]
+    def in_taskbar(self):
+        return f"{int(self.watched.find_window()):#x}" in run("xprop", "-root", "_NET_CLIENT_LIST")
 
-    def is_active(self, program):
-        found = subprocess.run(["xdotool", "getactivewindow"], capture_output=True, text=True)
-        return found.stdout.strip() == program.find_window()
-
-    def assert_back(self, program):
+    def check_back(self):
+        program = self.watched
         wait_until(program.mapped, "the window on the screen")
-        wait_until(lambda: self.is_active(program), "the window in front")
+        wait_until(lambda: run("xdotool", "getactivewindow", check=False).strip()
+                   == program.find_window(), "the window in front")
         wait_until(lambda: program.geometry()[2:] == CLIENT, "the window's own size")
-        states = program.window_states()
-        self.assertNotIn("HIDDEN", states)
-        self.assertNotIn("MAXIMIZED", states)
+        self.assertNotRegex(program.window_states(), "HIDDEN|MAXIMIZED")
+        self.assertTrue(self.in_taskbar())
 
-    def minimise(self, program):
-        run("xdotool", "windowminimize", program.find_window())
-        wait_until(lambda: not program.mapped(), "the window to go")
+    def minimise(self):
+        run("xdotool", "windowminimize", self.watched.find_window())
+        wait_until(lambda: not self.watched.mapped(), "the window to go")
+        wait_until(lambda: self.in_taskbar() != self.to_tray, "its place in the taskbar to follow")
 
-    def maximise(self, program):
-        left, top, width, _ = program.geometry()
-        run("xdotool", "mousemove", left + width // 2, top - program.frame()[2] // 2,
-            "click", "--repeat", 2, "--delay", 50, 1)
-        wait_until(lambda: "MAXIMIZED" in program.window_states(), "the window to be maximised")
+    def menu_is_open(self):
+        """It has no name, and is larger than the icon, which has none either."""
+        return any(int(self.watched.window_info(window).get("Width", 0)) > 40
+                   for window in self.watched.windows(""))
 
-    def open_menu(self, program):
+    def open_menu(self):
         # The toolkit closes a menu when the focus leaves the program, which a window that is just
         # being minimised can bring about later than a person would click.
-        wait_until(lambda: self.tray.right_click() or self.menu_opened(program), "the menu")
+        act_until(self.tray.right_click, self.menu_is_open, "the menu")
 
-    def menu_opened(self, program):
-        with contextlib.suppress(AssertionError):
-            return wait_until(lambda: self.on_screen(program, ""), "the menu", seconds=3)
-        return None
-
-    def choose(self, program, caption):
+    def choose(self, caption):
         if isinstance(self.tray, NotifierTray):
             return self.tray.choose(caption)
-        self.open_menu(program)
+        self.open_menu()
         captions = [each for each in ENTRIES if each != "-"]
-        run("xdotool", "key", *["Down"] * (captions.index(caption) + 1), "Return")
+        return key(*["Down"] * (captions.index(caption) + 1), "Return")
 
-    def test_ways_back(self):
-        """From every state of the window, by a click, a double click and the menu."""
-        for tray in TRAYS:
-            for config, switch, leave in ((TO_TRAY, (), self.minimise),
-                                          (TO_TASKBAR, (), self.minimise),
-                                          (TO_TRAY, ("/1",), self.minimise),
-                                          (TO_TRAY, (), self.maximise)):
-                with self.subTest(tray=tray.__name__, config=config, switch=switch, leave=leave):
-                    program = self.with_icon(tray, config=config, switch=switch)
-                    if switch:
-                        wait_until(lambda: not program.mapped(), "the hidden start")
-                        self.tray.click()
-                        self.assert_back(program)
-                    for way in (self.tray.click, self.tray.double_click,
-                                lambda: self.choose(program, "Show")):
-                        leave(program)
-                        way()
-                        self.assert_back(program)
-                    self.assertEqual(program.end(), 0)
-                    wait_until(lambda: not self.tray.items(), "the icon to go")
-                    end_process(self.tray.process)
+    def check_ways_back(self):
+        for leave, way in ((self.minimise, self.tray.click),
+                           (self.minimise, self.tray.double_click),
+                           (self.minimise, lambda: self.choose("Show")),
+                           (self.watched.switch_maximised, self.tray.click),
+                           (self.watched.switch_maximised, lambda: self.choose("Show"))):
+            leave()
+            way()
+            self.check_back()
 
-    def test_menu(self):
+    def check_menu(self):
         """Every entry, with the window hidden, which it stays until it is asked for."""
-        for tray in TRAYS:
-            with self.subTest(tray=tray.__name__):
-                program = self.with_icon(tray, config=TO_TRAY)
-                self.minimise(program)
-                self.open_menu(program)
-                self.desktop.screenshot(f"tray-{tray.__name__}")
-                run("xdotool", "mousemove", 900, 300, "click", 1)
-                wait_until(lambda: not self.on_screen(program, ""), "the menu to close")
-                self.choose(program, "About")
-                wait_until(lambda: self.on_screen(program, "About Quillmere"), "the about box")
-                self.choose(program, "Help")
-                wait_until(lambda: self.on_screen(program, ".*[Hh]elp.*"), "the help")
-                self.assertFalse(program.mapped())
-                if tray is NotifierTray:
-                    self.assertEqual([caption or "-" for _, _, caption in self.tray.menu()], ENTRIES)
-                    self.assertEqual(self.tray.tool_tip(), "Quillmere")
-                self.choose(program, "Exit")
-                self.assertEqual(program.process.wait(20), 0)
-                wait_until(lambda: not self.tray.items(), "the icon to go")
-                end_process(self.tray.process)
+        self.minimise()
+        self.open_menu()
+        self.desktop.screenshot(f"tray-{type(self.tray).__name__}")
+        run("xdotool", "mousemove", 900, 300, "click", 1)
+        wait_until(lambda: not self.menu_is_open(), "the menu to close")
+        for entry, title in (("About", "About Quillmere"), ("Help", ".*[Hh]elp.*")):
+            self.choose(entry)
+            wait_until(lambda: self.watched.windows(title), title)
+        self.assertFalse(self.watched.mapped())
+        if isinstance(self.tray, NotifierTray):
+            self.assertEqual([caption for _, caption in self.tray.menu()], ENTRIES)
+            self.assertEqual(self.tray.tool_tip(), "Quillmere")
+        self.choose("Exit")
+        self.assertEqual(self.watched.process.wait(20), 0)
+        wait_until(lambda: not self.tray.items(), "the icon to go")
 
     def test_tray_that_comes_later(self):
         """At logon the program can be there first; and a tray can end and come again."""
-        for tray in TRAYS:
-            with self.subTest(tray=tray.__name__):
-                program = self.started(config=TO_TRAY, switch=("/1",))
-                for _ in range(2):
-                    self.put_up(tray)
-                    wait_until(self.tray.items, "the icon")
+        self.to_tray = True
+        for tray in (EmbeddingTray, NotifierTray):
+            self.watched = self.started(switch=("/1",))
+            for _ in range(2):
+                self.put_up(tray)
+                wait_until(self.tray.items, "the icon")
+                self.assertFalse(self.watched.mapped())
+                if tray is EmbeddingTray:  # only the button's release counts
+                    run("xdotool", "mousemove", *self.tray.items()[0], "mousedown", 1)
+                    time.sleep(0.3)
+                    self.assertFalse(self.watched.mapped())
+                    run("xdotool", "mouseup", 1)
+                else:
                     self.tray.click()
-                    self.assert_back(program)
-                    self.minimise(program)
-                    end_process(self.tray.process)
-                    wait_until(lambda: not self.tray.is_up(), "the tray to go")
-                self.assertEqual(program.end(), 0)
+                self.check_back()
+                self.minimise()
+                self.take_down()
+            self.assertEqual(self.watched.end(), 0)
 
-    def test_only_the_release_counts(self):
-        program = self.with_icon(EmbeddingTray, config=TO_TRAY)
-        self.minimise(program)
-        self.tray.click("mousedown", 1)
-        self.tray.click("mousemove_relative", "--", 2, 2)
-        time.sleep(0.5)
-        self.assertFalse(program.mapped())
-        self.tray.click("mouseup", 1)
-        self.assert_back(program)
+    def test_every_way(self):
+        for tray in (EmbeddingTray, NotifierTray):
+            for self.to_tray in (True, False):
+                with self.subTest(tray=tray.__name__, to_tray=self.to_tray):
+                    self.put_up(tray)
+                    self.watched = self.started(config=options(to_tray=self.to_tray))
+                    wait_until(self.tray.items, "the icon")
+                    self.check_ways_back()
+                    self.check_menu()
+                    self.take_down()
 
     def test_no_tray_and_no_bus(self):
-        program = self.started(config=TO_TRAY, accessible=False,
+        program = self.started(accessible=False,
                                env={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"})
         self.assertEqual(program.end(), 0)
         self.assertEqual((program.folder.parent / "stderr").read_text(), "")

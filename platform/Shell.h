@@ -62,8 +62,8 @@ int ShellExecuteA(std::uint32_t window, const std::string& verb, const std::stri
 
 inline constexpr std::uint32_t HH_DISPLAY_TOPIC = 0;
 
-/// Opens the help that belongs to `path` in a window of its own, or brings that window to the front
-/// when it is open. The window handle, or 0 when there is no such help.
+/// Opens the help that belongs to `path` in a viewer that outlives the program, or brings that
+/// viewer to the front when it is open. Does not wait for it. 0 when there is no such help.
 std::uint32_t HtmlHelpA(std::uint32_t window, const std::string& path, std::uint32_t command,
                         std::uint32_t data);
 

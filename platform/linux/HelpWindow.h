@@ -9,7 +9,7 @@ class QUrl;
 namespace platform {
 
 /// The pages of a help in a window of its own, with the way back and forward and a search in the
-/// page. Esc closes it, and closing frees it.
+/// page. Esc closes it.
 class HelpWindow : public QWidget {
  public:
   HelpWindow();
@@ -21,6 +21,7 @@ class HelpWindow : public QWidget {
   void changeEvent(QEvent* event) override;
 
  private:
+  void ComeForward();
   QLayout* MakeButtons();
   void Find(bool fromStart);
 

@@ -6,7 +6,9 @@
 #include <chrono>
 #include <cmath>
 #include <ctime>
+#include <locale>
 #include <optional>
+#include <sstream>
 
 #include <QDateTime>
 #include <QLocale>
@@ -137,8 +139,11 @@ class NumberReader {
     if (digits == 0 || !TakeExponent() || !rest_.empty()) return std::nullopt;
     double value = 0;
     const auto [end, error] = std::from_chars(plain_.data(), plain_.data() + plain_.size(), value);
-    if (error != std::errc()) return std::nullopt;
-    return value;
+    if (error == std::errc()) return value;
+    // Too large for a double, or too small and so 0, and from_chars does not say which.
+    std::istringstream plain(plain_);
+    plain.imbue(std::locale::classic());
+    return plain >> value ? std::optional(value) : std::nullopt;
   }
 
  private:

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/Paths.h"
 #include "platform/linux/SoundPlayer.h"
 
 namespace platform {
@@ -28,7 +29,7 @@ std::optional<std::string> PathAfter(std::string_view verb, std::string_view com
 /// A pipe or device of that name is not opened: its reader would wait for ever.
 bool IsReadableFile(const std::string& path) {
   struct stat status {};
-  return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
+  return IsPath(path) && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
          access(path.c_str(), R_OK) == 0;
 }
 

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <string_view>
-#include <vector>
 
 #include "platform/Files.h"
 #include "platform/Regional.h"
@@ -58,6 +57,8 @@ std::string TextEscaped(std::string_view text) {
         escaped += letter;
     }
   }
+  // Readers drop a blank that the line ends with.
+  if (escaped.ends_with(' ')) escaped.replace(escaped.size() - 1, 1, "\\s");
   return escaped;
 }
 
@@ -106,14 +107,18 @@ std::size_t EndOfExecutable(const std::string& command) {
   return last == std::string::npos ? command.size() : last;
 }
 
-std::vector<std::string> SplitAtBlanks(std::string_view text) {
-  std::vector<std::string> words;
-  for (std::size_t at = 0; (at = text.find_first_not_of(' ', at)) != std::string_view::npos;) {
-    const std::size_t end = std::min(text.find(' ', at), text.size());
-    words.emplace_back(text.substr(at, end - at));
-    at = end;
+/// Each argument quoted if needed, the blanks between them as they stand.
+std::string QuotedArguments(std::string_view text) {
+  std::string quoted;
+  while (!text.empty()) {
+    const std::size_t blanks = std::min(text.find_first_not_of(' '), text.size());
+    quoted.append(blanks, ' ');
+    text.remove_prefix(blanks);
+    const std::string_view word = text.substr(0, text.find(' '));
+    quoted += QuotedIfNeeded(word);
+    text.remove_prefix(word.size());
   }
-  return words;
+  return quoted;
 }
 
 std::string ExecOf(const std::string& command) {
@@ -122,9 +127,7 @@ std::string ExecOf(const std::string& command) {
   std::string exec;
   if (executable.find('%') != std::string_view::npos) exec = ShellStart;
   exec += Quoted(executable);
-  for (const std::string& argument : SplitAtBlanks(std::string_view(command).substr(end))) {
-    exec += ' ' + QuotedIfNeeded(argument);
-  }
+  exec += QuotedArguments(std::string_view(command).substr(end));
   return TextEscaped(exec);
 }
 

@@ -52,39 +52,6 @@ TEST(Files, WhatIsNoAbsolutePathNamesNothing) {
   EXPECT_EQ(folder.Entries().size(), 2u);
 }
 
-TEST(Files, DirFindsByNamePatternAndAttributes) {
-  const Mixture folder;
-  const Names texts = {"a.txt",      "B.TXT",    "star*.txt",   "starred.txt",
-                       "locked.txt", "link.txt", "tolocked.txt"};
-  Names everything = texts;
-  everything.insert("plain");
-  const struct {
-    std::string Pattern;
-    int Attributes;
-    Names Expected;
-  } cases[] = {
-      {"*.txt", vbNormal, texts},
-      {"*.*", vbNormal, everything},
-      {"star*.txt", vbNormal, {"star*.txt"}},
-      {"A.txt", vbNormal, {}},
-      {".hidden.txt", vbNormal, {}},
-      {".hidden.txt", vbHidden, {".hidden.txt"}},
-      {"broken.txt", vbDirectory, {}},
-      {"sub.txt", vbNormal, {}},
-      {"sub.txt/", vbDirectory, {"."}},
-      {"none/", vbDirectory, {}},
-      {"*.txt/inside.txt", vbNormal, {}},
-  };
-  for (const auto& one : cases) {
-    Names found;
-    for (std::string name = Dir(folder.Path(one.Pattern), one.Attributes); !name.empty();
-         name = Dir()) {
-      found.insert(name);
-    }
-    EXPECT_EQ(found, one.Expected) << one.Pattern << ' ' << one.Attributes;
-  }
-}
-
 TEST(Files, KillTakesOneFileAndNothingElse) {
   const struct {
     std::string Name;

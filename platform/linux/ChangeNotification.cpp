@@ -211,8 +211,8 @@ class Watch {
 };
 
 HandleTable<Watch>& Watches() {
-  static HandleTable<Watch> table;
-  return table;
+  static auto* const table = new HandleTable<Watch>;  // a watch is also closed at exit
+  return *table;
 }
 
 /// What ended a wait.

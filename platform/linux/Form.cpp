@@ -236,7 +236,9 @@ ScreenInfo Screen() {
   return {ToTwips(size.width()), ToTwips(size.height()), TwipsPerPixel, TwipsPerPixel};
 }
 
-void DoEvents() { QCoreApplication::processEvents(); }
+void DoEvents() {
+  if (!ProcessEnds) QCoreApplication::processEvents();
+}
 
 namespace {
 

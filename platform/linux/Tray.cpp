@@ -189,6 +189,7 @@ std::unique_ptr<TrayIcon>& Icon() {
 void TrayMenu(const Menu& menu) { MenuForTray() = static_cast<QMenu*>(Widget(menu.Native())); }
 
 int Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) {
+  if (ProcessEnds) return 0;  // and the icon with it
   if (message == NIM_DELETE) {
     if (!Icon()) return 0;
     Icon()->Disappear();

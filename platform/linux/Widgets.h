@@ -42,6 +42,9 @@ inline QString FromText(std::string_view text) {
 }
 inline std::string ToText(const QString& text) { return text.toStdString(); }
 
+/// The process is on its way out and must hand out no more events.
+inline bool ProcessEnds = false;
+
 /// The control that `Control::hWnd` numbered, or none.
 Control* ControlByHandle(std::uint32_t handle);
 

@@ -412,6 +412,11 @@ class DesktopTest(unittest.TestCase):
     def started(self, **options):
         return self.program(**options).start()
 
+    def check_end(self, program):
+        """It ends in the orderly way and has had nothing to complain of."""
+        self.assertEqual(program.end(), 0)
+        self.assertEqual((program.folder.parent / "stderr").read_text(), "")
+
     def wait_for_equal(self, read, expected, seconds=15):
         """Waits until what is read is as expected; a failure shows both."""
         try:

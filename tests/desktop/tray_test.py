@@ -147,10 +147,8 @@ class TrayTest(DesktopTest):
                     self.take_down()
 
     def test_no_tray_and_no_bus(self):
-        program = self.started(accessible=False,
-                               env={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"})
-        self.assertEqual(program.end(), 0)
-        self.assertEqual((program.folder.parent / "stderr").read_text(), "")
+        self.check_end(self.started(
+            accessible=False, env={"DBUS_SESSION_BUS_ADDRESS": "unix:path=/nowhere"}))
 
 
 if __name__ == "__main__":

@@ -11,10 +11,9 @@
 
 namespace {
 
-/// Whether the text can name nothing but one file of the folder. A cookie file may really be called
-/// "*.txt", which the platform would take for all of them.
+/// Whether the text is the name of something in the folder itself.
 bool NamesOneFile(std::string_view name) {
-  return !name.empty() && name != "." && name != ".." && !name.starts_with("*.") &&
+  return !name.empty() && name != "." && name != ".." &&
          name.find(platform::PathSeparator) == std::string_view::npos &&
          name.find('\0') == std::string_view::npos;
 }
@@ -34,7 +33,8 @@ void DeleteSelectedCookieFiles(platform::ListView& List) {
     const platform::ListView::ListItem row = List.Item(position);
     if (!row.Selected()) continue;
     const std::string name = row.SubItems(CookieFileCell);
-    if (NamesOneFile(name)) platform::Kill(PublicDim.CookieDir + name);
+    // Not by `Kill`: a cookie file may really be called "*.txt".
+    if (NamesOneFile(name)) platform::DeleteFileA(PublicDim.CookieDir + name);
     List.Remove(position);
   }
 }

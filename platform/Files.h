@@ -30,6 +30,9 @@ std::string Dir();
 /// folder stay. False when anything that fits stayed or nothing fits.
 bool Kill(const std::string& path);
 
+/// The same for the one file of exactly that name: a "*" in it is no wildcard. 0 when it stayed.
+int DeleteFileA(const std::string& path);
+
 /// Whether files may be cleared out of a folder: it exists and, once links are followed, is not the
 /// root, nor the user's home folder or one above that.
 bool IsSafeToClear(const std::string& folder);

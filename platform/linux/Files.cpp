@@ -229,6 +229,10 @@ bool Kill(const std::string& path) {
   return fitting.IsWildcard() ? DeleteAll(FolderOf(path), fitting) : Delete(AT_FDCWD, path.c_str());
 }
 
+int DeleteFileA(const std::string& path) {
+  return IsPath(path) && Delete(AT_FDCWD, path.c_str()) ? 1 : 0;
+}
+
 bool MkDir(const std::string& path) { return IsPath(path) && mkdir(path.c_str(), 0777) == 0; }
 
 FolderAtHand::FolderAtHand(const std::string& folder) { AtHand() = Listing(folder); }

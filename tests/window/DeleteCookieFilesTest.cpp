@@ -11,7 +11,7 @@
 TEST(DeleteCookieFiles, NeverTakesANameForMoreThanOneFile) {
   const CookieFolder folder;
   for (const char* name : {"plain.txt", "*.txt", "sub/inner.txt"}) folder.Write(name);
-  const Names files = folder.Entries();
+  Names files = folder.Entries();
   CookieLists window;
   const auto deleteNamed = [&window](const std::string& name) {
     CookieRow row;
@@ -24,10 +24,12 @@ TEST(DeleteCookieFiles, NeverTakesANameForMoreThanOneFile) {
     EXPECT_EQ(window.ListVCookie.Count(), 0);
   };
   for (const std::string name :
-       {"*.txt", "*.*", "", ".", "..", "sub/inner.txt", "../", "*", "sub", "*.TXT", "pl?in.txt"}) {
+       {"*.*", "", ".", "..", "sub/inner.txt", "../", "*", "sub", "*.TXT", "pl?in.txt"}) {
     deleteNamed(name);
   }
   deleteNamed(std::string("plain.txt\0x", 11));
+  deleteNamed("*.txt");
+  files.erase("*.txt");
   const WorkingFolder working(folder.Path(""));
   for (const char* unresolved : {"", "\\"}) {
     PublicDim.CookieDir = unresolved;

@@ -46,19 +46,20 @@ void CleanRecentDocuments() {
 
 }  // namespace
 
-void Clean(const CleanerChoice& choice, platform::ListBox& log, std::uint32_t window) {
-  if (choice.Cookies == 0 && choice.RecentDocuments == 0 && choice.RecycleBin == 0) return;
+void Clean(const CleanerBoxes& boxes, platform::ListBox& log) {
+  const auto& [cookies, recentDocuments, recycleBin] = boxes;
+  if (cookies.Value() == 0 && recentDocuments.Value() == 0 && recycleBin.Value() == 0) return;
   const int answer = platform::MsgBox("Do you want to clean selected items",
                                       platform::MB_YESNO + platform::MB_ICONQUESTION);
   if (answer == platform::IDNO) return;
-  if (choice.Cookies == 1) CleanCookies(log);
-  if (choice.RecentDocuments == 1) CleanRecentDocuments();
-  if (choice.RecycleBin == 1) EmptyRecycleBin(window);
+  if (cookies.Value() == 1) CleanCookies(log);
+  if (recentDocuments.Value() == 1) CleanRecentDocuments();
+  if (recycleBin.Value() == 1) EmptyRecycleBin();
   platform::MsgBox("Successfully cleaned!", platform::MB_OK + platform::MB_ICONINFORMATION);
 }
 
-void EmptyRecycleBin(std::uint32_t window) {
+void EmptyRecycleBin() {
   platform::SHEmptyRecycleBinA(
-      window, "",
+      PublicDim.TrayIconData.hWnd, "",
       platform::SHERB_NOCONFIRMATION + platform::SHERB_NOPROGRESSUI + platform::SHERB_NOSOUND);
 }

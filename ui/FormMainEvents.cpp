@@ -246,12 +246,7 @@ void FormMain::ShowCookieDetail(std::int32_t Which) {
 
 // --- Tools, sound, options, information ----------------------------------------------------------
 
-void FormMain::CmdClean_Click() {
-  Clean({.Cookies = Check1.Value() == 1,
-         .RecentDocuments = Check2.Value() == 1,
-         .RecycleBin = Check3.Value() == 1},
-        ListLog, hWnd());
-}
+void FormMain::CmdClean_Click() { Clean({Check1, Check2, Check3}, ListLog); }
 
 void FormMain::CmdSound1_Click() { PlaySoundRegardless(1); }
 void FormMain::CmdSound2_Click() { PlaySoundRegardless(2); }

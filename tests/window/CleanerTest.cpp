@@ -86,6 +86,12 @@ TEST_F(Cleaner, DeletesWhatWasChosenAfterAYes) {
   }
 }
 
+TEST_F(Cleaner, HeedsABoxThatIsUntickedWhileTheQuestionStands) {
+  QTimer::singleShot(0, [this] { Check1_.Value(0); });
+  EXPECT_EQ(Run({.Cookies = 1}), BothBoxes);
+  EXPECT_TRUE(folder_.Has("home/cookies/a.txt"));
+}
+
 TEST_F(Cleaner, DeletesNothingInAFolderThatIsMoreThanWhatItIsFor) {
   folder_.Write("home/a.txt");
   folder_.Write("a.txt");

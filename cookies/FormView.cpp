@@ -19,18 +19,18 @@ FormView::FormView()
       Label1(
           *this,
           {.Name = "Label1", .Caption = "Cookie file:", .At = {180, 255, 780, 195}, .TabIndex = 0}),
-      Text1_0(*this, {.Name = "Text1(0)",
-                      .At = {990, 195, 5985, 300},
-                      .TabIndex = 1,
-                      .AccessibleName = "Cookie file"}),
-      Text1_1(*this, {.Name = "Text1(1)",
-                      .At = {990, 555, 2790, 300},
-                      .TabIndex = 2,
-                      .AccessibleName = "Modified"}),
-      Text1_2(*this, {.Name = "Text1(2)",
-                      .At = {4500, 555, 2475, 300},
-                      .TabIndex = 3,
-                      .AccessibleName = "Size"}),
+      Text1{platform::TextBox(*this, {.Name = "Text1(0)",
+                                      .At = {990, 195, 5985, 300},
+                                      .TabIndex = 1,
+                                      .AccessibleName = "Cookie file"}),
+            platform::TextBox(*this, {.Name = "Text1(1)",
+                                      .At = {990, 555, 2790, 300},
+                                      .TabIndex = 2,
+                                      .AccessibleName = "Modified"}),
+            platform::TextBox(*this, {.Name = "Text1(2)",
+                                      .At = {4500, 555, 2475, 300},
+                                      .TabIndex = 3,
+                                      .AccessibleName = "Size"})},
       Text2(*this,
             {.Name = "Text2",
              .At = {75, 930, 6915, 3840},
@@ -44,9 +44,9 @@ FormView::FormView()
              {.Name = "Label2", .Caption = "Modified:", .At = {180, 585, 645, 195}, .TabIndex = 6}),
       Label3(*this,
              {.Name = "Label3", .Caption = "Size:", .At = {4050, 585, 345, 195}, .TabIndex = 7}) {
-  for (platform::TextBox* box : {&Text1_0, &Text1_1, &Text1_2}) {
-    box->Locked(true);
-    box->BackColor(platform::vbScrollBars);
+  for (platform::TextBox& box : Text1) {
+    box.Locked(true);
+    box.BackColor(platform::vbScrollBars);
   }
   Text2.Locked(true);
   Command1.Cancel();
@@ -56,9 +56,9 @@ FormView::FormView()
 void FormView::Form_Load() {
   if (PublicDim.DetailRows.empty()) return;
   const CookieRow& first = PublicDim.DetailRows.front();
-  Text1_0.Text(PublicDim.CookieDir + first.CookieFile);
-  Text1_1.Text(first.Modified);
-  Text1_2.Text(first.FileSize + " bytes");
+  Text1[0].Text(PublicDim.CookieDir + first.CookieFile);
+  Text1[1].Text(first.Modified);
+  Text1[2].Text(first.FileSize + " bytes");
   Caption("Detail - " + first.CookieFile);
   Text2.Text(DetailText(PublicDim.DetailRows));
 }

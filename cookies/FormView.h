@@ -1,5 +1,7 @@
 #pragma once
 
+#include <array>
+
 #include "platform/Forms.h"
 
 /// The detail window: one cookie file's path, time and size, and all its cookies. Filled once, from
@@ -14,9 +16,7 @@ class FormView : public platform::Form {
   void Command1_Click();
 
   platform::Label Label1;
-  platform::TextBox Text1_0;
-  platform::TextBox Text1_1;
-  platform::TextBox Text1_2;
+  std::array<platform::TextBox, 3> Text1;
   platform::TextBox Text2;
   platform::CommandButton Command1;
   platform::Label Label2;

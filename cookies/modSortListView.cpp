@@ -2,6 +2,7 @@
 
 #include <cstddef>
 
+#include "core/AtScopeEnd.h"
 #include "platform/Regional.h"
 
 namespace {
@@ -48,19 +49,6 @@ void RestoreTexts(platform::ListView& list, int index) {
   }
 }
 
-void SortRows(platform::ListView& list, int index, int kind, bool ascending) {
-  if (kind == SortNumber) {
-    WriteKeys(list, index, [](const std::string& text) { return NumberKey(text); });
-  } else if (kind == SortDate) {
-    platform::SYSTEMTIME last = ZeroDate;
-    WriteKeys(list, index, [&last](const std::string& text) { return DateKey(text, last); });
-  }
-  list.SortOrder(ascending ? platform::lvwAscending : platform::lvwDescending);
-  list.SortKey(index - 1);
-  list.Sorted(true);
-  if (kind == SortNumber || kind == SortDate) RestoreTexts(list, index);
-}
-
 }  // namespace
 
 void ColumnClick(platform::ListView& List, ColumnDirections& ColumnAscending, int Index) {
@@ -78,15 +66,25 @@ void ColumnClick(platform::ListView& List, ColumnDirections& ColumnAscending, in
 
 void SortListView(platform::ListView& List, std::int16_t Index, int Kind, bool Ascending) {
   List.Visible(false);
-  SortRows(List, Index, Kind, Ascending);
-  List.Visible(true);
+  const AtScopeEnd show([&List] { List.Visible(true); });
+  if (Kind == SortNumber) {
+    WriteKeys(List, Index, [](const std::string& text) { return NumberKey(text); });
+  } else if (Kind == SortDate) {
+    platform::SYSTEMTIME last = ZeroDate;
+    WriteKeys(List, Index, [&last](const std::string& text) { return DateKey(text, last); });
+  }
+  List.SortOrder(Ascending ? platform::lvwAscending : platform::lvwDescending);
+  List.SortKey(Index - 1);
+  List.Sorted(true);
+  if (Kind == SortNumber || Kind == SortDate) RestoreTexts(List, Index);
 }
 
 void RestoreSortOrder(platform::ListView& List) {
   if (!List.Sorted()) return;
-  const bool bySize = List.SortKey() == SizeColumn - 1;
-  SortRows(List, List.SortKey() + 1, bySize ? SortNumber : SortText,
-           List.SortOrder() == platform::lvwAscending);
+  if (List.SortKey() != SizeColumn - 1) return List.Sorted(true);
+  const bool shown = List.Visible();
+  SortListView(List, SizeColumn, SortNumber, List.SortOrder() == platform::lvwAscending);
+  List.Visible(shown);
 }
 
 void SetExtendedListStyle(platform::ListView& List, std::uint32_t Bits) {

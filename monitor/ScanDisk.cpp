@@ -2,24 +2,13 @@
 
 #include <utility>
 
+#include "core/AtScopeEnd.h"
 #include "core/PublicDim.h"
 #include "platform/Application.h"
 #include "platform/Forms.h"
 #include "platform/Regional.h"
 
 namespace {
-
-/// A flag that is raised for the length of a scope.
-class Raised {
- public:
-  explicit Raised(bool& flag) : flag_(flag) { flag_ = true; }
-  Raised(const Raised&) = delete;
-  Raised& operator=(const Raised&) = delete;
-  ~Raised() { flag_ = false; }
-
- private:
-  bool& flag_;
-};
 
 void AddFoundFile(const platform::WIN32_FIND_DATA& found) {
   platform::FileTimeToLocalFileTime(found.ftLastWriteTime, PublicDim.FileLocalTime);
@@ -35,7 +24,8 @@ void ScanCookieFolder(std::string folder) {
   if (folder.empty()) return;
   if (!folder.ends_with(platform::PathSeparator)) folder += platform::PathSeparator;
   PublicDim.ScanRowCount = 0;
-  const Raised running(PublicDim.ScanRunning);
+  PublicDim.ScanRunning = true;
+  const AtScopeEnd ended([] { PublicDim.ScanRunning = false; });
   platform::WIN32_FIND_DATA& found = PublicDim.FindData;
   const platform::HANDLE search = platform::FindFirstFileA(folder + "*.txt", found);
   if (search == platform::INVALID_HANDLE_VALUE) return;

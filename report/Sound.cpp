@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "core/AtScopeEnd.h"
 #include "core/PublicDim.h"
 #include "platform/Sound.h"
 
@@ -20,8 +21,8 @@ void PlaySoundFile(int which) {
 }
 
 void PlaySoundRegardless(int which) {
-  const bool remembered = OptionOf(which);
-  OptionOf(which) = true;
+  bool& option = OptionOf(which);
+  const AtScopeEnd putBack([&option, remembered = option] { option = remembered; });
+  option = true;
   PlaySoundFile(which);
-  OptionOf(which) = remembered;
 }

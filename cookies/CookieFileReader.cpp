@@ -6,9 +6,12 @@
 #include <cstdint>
 #include <limits>
 #include <locale>
+#include <new>
 #include <sstream>
+#include <stdexcept>
 #include <utility>
 
+#include "core/AtScopeEnd.h"
 #include "core/PublicDim.h"
 #include "platform/FileSearch.h"
 #include "platform/Files.h"
@@ -49,14 +52,19 @@ std::size_t Find(std::string_view text, std::string_view wanted, std::size_t fro
   return wanted.size() == 1 ? text.find(wanted.front(), from) : text.find(wanted, from);
 }
 
+/// Adds a file's records behind the last row, all of them or none.
 void AppendRecords(const Pieces& pieces, const std::string& fileName, const std::string& fileSize,
                    const std::string& modified, std::vector<CookieRow>& rows) {
+  const std::size_t first = rows.size();
   const std::size_t records = pieces.size() / LinesOfRecord;
+  std::size_t kept = first;
+  const AtScopeEnd dropUnfinished([&rows, &kept] { rows.resize(kept); });
+  rows.resize(first + records);
   for (std::size_t r = 0; r < records; ++r) {
     const std::string_view* line = &pieces[r * LinesOfRecord];
     std::string_view server = line[2];
     if (server.ends_with('/')) server.remove_suffix(1);
-    CookieRow& row = rows.emplace_back();
+    CookieRow& row = rows[first + r];
     row.Server = server;
     row.CookieName = line[0];
     row.CookieValue = line[1];
@@ -65,13 +73,12 @@ void AppendRecords(const Pieces& pieces, const std::string& fileName, const std:
     row.FileSize = fileSize;
     row.Modified = modified;
   }
+  kept = rows.size();
 }
 
-}  // namespace
-
-void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
-                    const std::string& Modified, int Target) {
-  platform::InputFile file(PublicDim.CookieDir + FileName);
+void ReadRecords(const std::string& fileName, const std::string& fileSize,
+                 const std::string& modified, int target) {
+  platform::InputFile file(PublicDim.CookieDir + fileName);
   if (!file.IsOpen()) return;
   // Lines of the file end in LF alone, so what is one line to the platform is the whole content, or
   // all that stands before the first CR.
@@ -79,17 +86,29 @@ void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
   const Pieces pieces = SplitText(content, "\n");
   if (pieces.size() < LinesOfRecord) return;
 
-  if (Target == TargetCookieRows) {
-    AppendRecords(pieces, FileName, FileSize, Modified, PublicDim.CookieRows);
+  if (target == TargetCookieRows) {
+    AppendRecords(pieces, fileName, fileSize, modified, PublicDim.CookieRows);
   } else {
     std::vector<CookieRow> rows;
-    AppendRecords(pieces, FileName, FileSize, Modified, rows);
+    AppendRecords(pieces, fileName, fileSize, modified, rows);
     PublicDim.DetailRows = std::move(rows);
   }
 }
 
+}  // namespace
+
+void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
+                    const std::string& Modified, int Target) {
+  // What does not fit into memory can't be read.
+  try {
+    ReadRecords(FileName, FileSize, Modified, Target);
+  } catch (const std::bad_alloc&) {
+  } catch (const std::length_error&) {
+  }
+}
+
 std::vector<std::string_view> SplitText(std::string_view Text, std::string_view Delimiter) {
-  constexpr std::size_t UsualPieces = 64;
+  constexpr std::size_t UsualPieces = 100;
   Pieces pieces;
   pieces.reserve(UsualPieces);
   std::size_t position = 0;

@@ -10,9 +10,17 @@
 #include "platform/Files.h"
 #include "platform/Forms.h"
 
+namespace {
+
+bool NoFileIsKnown() {
+  return PublicDim.KnownRows.empty() || PublicDim.KnownRows.front().FileName.empty();
+}
+
+}  // namespace
+
 void LoadCookieList(platform::ListView& List) {
   List.Clear();
-  if (PublicDim.KnownRows.empty() || PublicDim.KnownRows.front().FileName.empty()) {
+  if (NoFileIsKnown()) {
     PublicDim.CookieRows = std::vector<CookieRow>(1);
     return;
   }
@@ -31,8 +39,8 @@ void LoadCookieList(platform::ListView& List) {
 
 void CookieListTick(platform::ListView& List, int WindowState) {
   if (WindowState == platform::vbMinimized || !PublicDim.CookieListStale) return;
-  // Before a watch's first scan has ended, the baseline is not the one that the list is to show.
-  if (PublicDim.KnownRows.empty() || PublicDim.FirstScanRunning) return;
+  // The first scan is about to tell which files there are: at start-up, or after the cleaner.
+  if (PublicDim.KnownRows.empty() || (PublicDim.FirstScanRunning && NoFileIsKnown())) return;
   LoadCookieList(List);
   PublicDim.CookieListStale = false;
 }

@@ -7,8 +7,9 @@
 /// last chose by a column header. Selection and scroll position are lost.
 void LoadCookieList(platform::ListView& List);
 
-/// The tick of `TimerCookie`: rebuilds a stale list unless the window is minimised. Before the
-/// first scan has ended the flag stays raised, so that the first list is still built.
+/// The tick of `TimerCookie`: rebuilds a stale list unless the window is minimised. While a watch's
+/// first scan runs and no file is known yet, the flag stays raised for the list that the scan
+/// gives.
 void CookieListTick(platform::ListView& List, int WindowState);
 
 /// Adds a cookie at the end of one of the two lists.

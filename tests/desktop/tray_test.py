@@ -5,6 +5,7 @@ import time
 
 from harness import (DesktopTest, act_until, double_click, end_process, key, main, options, run,
                      wait_until)
+from help_viewer import viewers
 from notifier_host import NotifierTray
 
 CLIENT = (535, 254)
@@ -105,7 +106,8 @@ class TrayTest(DesktopTest):
         wait_until(lambda: not self.menu_is_open(), "the menu to close")
         for entry, title in (("About", "About Quillmere"), ("Help", ".*[Hh]elp.*")):
             self.choose(entry)
-            wait_until(lambda: self.watched.windows(title), title)
+            wait_until(lambda: any(each.windows(title) for each in (
+                self.watched, *viewers(self.watched))), title)
         self.assertFalse(self.watched.mapped())
         if isinstance(self.tray, NotifierTray):
             self.assertEqual([caption for _, caption in self.tray.menu()], ENTRIES)

@@ -2,10 +2,13 @@
 
 #include <array>
 #include <cerrno>
+#include <charconv>
 #include <climits>
+#include <csignal>
 #include <cstdio>
 #include <optional>
 #include <string_view>
+#include <system_error>
 #include <utility>
 #include <vector>
 
@@ -113,12 +116,32 @@ bool WriteAll(int file, std::string_view content) {
   return true;
 }
 
+constexpr std::string_view SuccessorPrefix = ".quillmere-new-";
+
+/// Removes what processes that were killed have left. One that runs may still need its own.
+void RemoveOrphans(const std::string& folder) {
+  DirectoryReader reader(folder);
+  DirectoryReader::Entry entry;
+  while (reader.IsOpen() && reader.Next(entry)) {
+    if (!entry.Name.starts_with(SuccessorPrefix)) continue;
+    const std::string_view number = entry.Name.substr(SuccessorPrefix.size());
+    pid_t process = 0;
+    const auto [end, error] = std::from_chars(number.begin(), number.end(), process);
+    const bool named = error == std::errc() && end == number.end() && process > 0;
+    if (named && kill(process, 0) != 0 && errno == ESRCH) {
+      unlinkat(reader.Folder(), entry.Name.data(), 0);
+    }
+  }
+}
+
 /// A file that is there under another name until it takes the place of the one meant; without that
 /// it goes again.
 class Successor {
  public:
   Successor(int folder, const std::string& name)
-      : folder_(folder), name_(".new-" + std::to_string(getpid())), target_(name) {
+      : folder_(folder),
+        name_(std::string(SuccessorPrefix) + std::to_string(getpid())),
+        target_(name) {
     // One left by a process of the same number that was killed would bar the way for ever.
     unlinkat(folder_, name_.c_str(), 0);
     file_ = Descriptor(
@@ -275,6 +298,7 @@ bool ReplaceFile(const std::string& path, std::string_view content) {
                  faccessat(folder.Number(), name.c_str(), W_OK, AT_EACCESS) != 0)) {
     return false;  // The rename would replace what may not be written.
   }
+  RemoveOrphans(FolderOf(*target));
   Successor successor(folder.Number(), name);
   if (!successor) return false;
   if (exists) successor.Inherit(old);

@@ -11,9 +11,6 @@ class HelpViewer(Program):
     def __init__(self, pid):
         self.process = SimpleNamespace(pid=pid)
 
-    def runs(self):
-        return Path(f"/proc/{self.process.pid}").exists()
-
 
 def viewers(program):
     """Those that run from the program's folder."""

@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Draws the program's pictures: a quill over a cookie.
 
-Writes quillmere.ico, tray.ico and about.gif beside this script, and for dense screens tray@2x.ico
-and about@2x.gif. The same run gives the same bytes; only the standard library is used.
+Writes quillmere.ico, tray.ico, about.gif and the links' pointer hand.cur beside this script, and
+for dense screens tray@2x.ico, about@2x.gif and hand@2x.cur. The same run gives the same bytes; only
+the standard library is used.
 """
 
 import math
@@ -114,6 +115,33 @@ def icon_pixels(size):
     return draw(size, size, lambda x, y: at(x / size, y / size))
 
 
+# The pointing hand, a square of 32 units: rods as (x0, y0, x1, y1, radius).
+FINGERTIP = (5, 0)
+HAND = [(5.5, 2.5, 5.5, 17, 2.5), (10, 10.5, 10, 17, 2.3), (14, 11.5, 14, 17, 2.3),
+        (18, 12.5, 18, 18, 2.3), (2.4, 13.8, 6, 20, 2.1), (8, 18, 16, 18, 5), (9.5, 24, 15.5, 24, 4)]
+GAPS = [(8, 9, 8, 15, 0.5), (12, 11, 12, 15.5, 0.5), (16, 12, 16, 16, 0.5)]
+
+
+def rod(x, y, x0, y0, x1, y1, radius):
+    dx, dy = x1 - x0, y1 - y0
+    t = ((x - x0) * dx + (y - y0) * dy) / (dx * dx + dy * dy)
+    t = min(max(t, 0), 1)
+    return disc(x, y, x0 + t * dx, y0 + t * dy, radius)
+
+
+def hand(x, y):
+    edge = min(rod(x, y, *part) for part in HAND)
+    if edge > 0:
+        return None
+    if edge > -1 or any(rod(x, y, *gap) < 0 for gap in GAPS):
+        return INK
+    return VANE
+
+
+def hand_pixels(size):
+    return draw(size, size, lambda x, y: hand(x * 32 / size, y * 32 / size))
+
+
 # --- Palettes ------------------------------------------------------------------------------------
 
 
@@ -194,6 +222,12 @@ def write_icon(name, images):
         head += struct.pack("<BBBBHHII", size, size, colours, 0, 1, depth, len(body), place)
         place += len(body)
     (HERE / name).write_bytes(head + b"".join(bodies))
+
+
+def write_cursor(name, rows, hot_spot):
+    body, size = bitmap(rows, 32), len(rows)
+    (HERE / name).write_bytes(
+        struct.pack("<HHHBBBBHHII", 0, 2, 1, size, size, 0, 0, *hot_spot, len(body), 22) + body)
 
 
 # --- GIF -----------------------------------------------------------------------------------------
@@ -285,3 +319,5 @@ if __name__ == "__main__":
     write_icon("tray@2x.ico", [(32, 32)])
     write_gif("about.gif", about_picture(111, 98, 1))
     write_gif("about@2x.gif", about_picture(111, 98, 2))
+    write_cursor("hand.cur", hand_pixels(32), FINGERTIP)
+    write_cursor("hand@2x.cur", hand_pixels(64), [2 * each for each in FINGERTIP])

@@ -51,7 +51,7 @@ FormAbout::FormAbout()
       Line2(*this, {.Name = "Line2", .At = {90, 2760, 5300, 0}}, platform::vbTitleBarText) {
   // The picture is drawn on white; a dark panel would frame it.
   Picture1.BackColor(White);
-  Label3.BackColor(White);
+  Label3.BackColor(platform::vbTitleBarText);
   Label3.ForeColor(Black);
   Label1.AutoSize();
   Label2.AutoSize();

@@ -51,7 +51,7 @@ QColor ThemeColour(std::uint32_t colour, const QWidget* widget) {
     case vbScrollBars:
       return palette.color(QPalette::Window);
     case vbTitleBarText:
-      return palette.color(QPalette::Base);
+      return Qt::white;  // As on a standard desktop: the toolkit can't tell.
     default:
       return QColor::fromRgb(static_cast<QRgb>(colour));
   }
@@ -397,8 +397,14 @@ void Label::WordWrap() {
 void Label::AutoSize() { static_cast<LabelWidget*>(Widget(*this))->FitToCaption(); }
 
 void Label::Link() {
-  Widget(*this)->setCursor(Qt::PointingHandCursor);
-  Widget(*this)->setFocusPolicy(Qt::StrongFocus);
+  constexpr QSize Size(32, 32);
+  constexpr QPoint HotSpot(5, 0);
+  QWidget* label = Widget(*this);
+  const QPixmap hand = QIcon(":/assets/hand.cur").pixmap(Size, label->devicePixelRatioF());
+  // The X server counts the hot spot in the picture's own pixels.
+  const QPoint tip = HotSpot * hand.devicePixelRatio();
+  label->setCursor(QCursor(hand, tip.x(), tip.y()));
+  label->setFocusPolicy(Qt::StrongFocus);
 }
 
 // --- ComboBox, panels, pictures ----------------------------------------------------------------

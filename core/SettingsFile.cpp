@@ -26,14 +26,18 @@ constexpr std::array<Option, 4> Options{{
 
 std::string SettingsPath() { return PublicDim.AppPath + "config.ini"; }
 
+/// In any case of its letters. The length tells apart letters beyond ASCII that fold to one of it.
+bool IsWord(std::string_view text, std::string_view word) {
+  return text.size() == word.size() && platform::FoldCase(text) == platform::FoldCase(word);
+}
+
 /// The words True and False in any case, or a number; blanks around either count as not there.
 std::optional<bool> BooleanFromText(std::string_view text) {
   const auto first = text.find_first_not_of(' ');
   if (first == std::string_view::npos) return std::nullopt;
   text = text.substr(first, text.find_last_not_of(' ') - first + 1);
-  const std::string folded = platform::FoldCase(text);
-  if (folded == "true") return true;
-  if (folded == "false") return false;
+  if (IsWord(text, "True")) return true;
+  if (IsWord(text, "False")) return false;
   if (platform::IsNumeric(text)) return platform::CDbl(text) != 0;
   return std::nullopt;
 }
@@ -41,9 +45,8 @@ std::optional<bool> BooleanFromText(std::string_view text) {
 void ApplyLine(std::string_view line) {
   const auto equals = line.find('=');
   if (equals == std::string_view::npos) return;
-  const std::string key = platform::FoldCase(line.substr(0, equals));
   for (const Option& option : Options) {
-    if (key != platform::FoldCase(option.Key)) continue;
+    if (!IsWord(line.substr(0, equals), option.Key)) continue;
     if (const auto value = BooleanFromText(line.substr(equals + 1))) {
       PublicDim.*option.Variable = *value;
     }

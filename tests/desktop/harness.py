@@ -155,15 +155,20 @@ class Control:
         found = (self.accessible.get_child_at_index(number) for number in range(count))
         return [Control(child) for child in found if child]
 
-    def everything(self):
-        """All controls below this one, the rows of lists left out."""
-        for child in self.children():
+    def everything(self, condition=lambda control: True):
+        """All controls below this one; but none below a list or below one that does not hold the
+        condition."""
+        for child in filter(condition, self.children()):
             yield child
             if child.role not in LISTS:
-                yield from child.everything()
+                yield from child.everything(condition)
 
-    def has(self, state):
-        return state in {each.value_nick for each in self.accessible.get_state_set().get_states()}
+    def in_sight(self):
+        return list(self.everything(lambda control: control.showing))
+
+    def has(self, *states):
+        found = self.accessible.get_state_set().get_states()
+        return set(states) <= {each.value_nick for each in found}
 
     enabled = property(lambda self: self.has("enabled"))
     showing = property(lambda self: self.has("showing"))

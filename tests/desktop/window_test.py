@@ -1,9 +1,16 @@
-"""The main window: where everything lies, and what happens to it under a window manager."""
+"""Every window: where things lie at each size and scale, its colours, and its use by keyboard."""
 
-from harness import LISTS, TWIPS_PER_PIXEL, DesktopTest, main, run, wait_until
+import contextlib
+import math
+import subprocess
+from collections import Counter
 
-COOKIE = b"id\n42\nshop.example/\n0\n0\n30000000\n0\n0\n*\n"
-CLIENT = (8025, 3810)
+from harness import (SAVE_LOG, SCREENS, TWIPS_PER_PIXEL, DesktopTest, cookies, key, main, run,
+                     wait_until)
+from help_viewer import viewers
+
+FILE = "jane@shop.example[1].txt"
+QUESTION = "Do you want to delete selected cookie file(s) and all cookies in them?"
 PAGE = (2040, 555)   # the panels
 FRAME = (2070, 600)  # "Cleaner" on its panel
 
@@ -12,19 +19,20 @@ def on(origin, *place):
     return (origin[0] + place[0], origin[1] + place[1], *place[2:])
 
 
+# The controls that each tab shows, in the order of the Tab key, and where they lie in twips of the
+# window as it opens. A strip has the keyboard under the name of its selected tab.
 BUTTONS = [
     ("push button", "Start", (270, 390, 1500, 465)),
     ("push button", "Stop", (270, 920, 1500, 465)),
     ("push button", "Help", (270, 1450, 1500, 465)),
     ("push button", "About", (270, 1980, 1500, 465)),
 ]
-GROWING = {"Pages", "Log", "Cookies", "Search results", "Cleaner"}
-STRIP = [("filler", "Pages", (1950, 180, 6045, 3600))]
-# What each tab shows and where, in twips of the window's client area as it opens.
+STRIP = ("filler", "Pages", (1950, 180, 6045, 3600))
 TABS = {
-    "Log": [("list", "Log", (2070, 615, 5805, 3030))],
-    "Cookies": [("tree", "Cookies", (2070, 615, 5805, 3030))],
+    "Log": [("list", "Log", (2070, 615, 5805, 3030)), STRIP],
+    "Cookies": [STRIP, ("tree", "Cookies", (2070, 615, 5805, 3030))],
     "Search": [
+        STRIP,
         ("tree", "Search results", on(PAGE, 45, 495, 5775, 2580)),
         ("label", "Search", on(PAGE, 60, 90, 510, 195)),
         ("text", "Search for", on(PAGE, 675, 75, 1575, 285)),
@@ -33,6 +41,7 @@ TABS = {
         ("push button", "Search", on(PAGE, 4545, 90, 900, 315)),
     ],
     "Tools": [
+        STRIP,
         ("panel", "Cleaner", on(PAGE, 30, 45, 5805, 3030)),
         ("check box", "Clean Cookies", on(FRAME, 315, 390, 1950, 240)),
         ("check box", "Empty Recycle Bin", on(FRAME, 315, 765, 2130, 240)),
@@ -40,48 +49,114 @@ TABS = {
         ("push button", "Clean", on(FRAME, 3975, 375, 1155, 405)),
     ],
     "Sound": [
+        STRIP,
         ("check box", "Play sound when a new cookie file is added",
          on(PAGE, 135, 255, 3885, 270)),
         ("check box", "Play sound when a cookie file is removed", on(PAGE, 135, 720, 3885, 270)),
         ("push button", "Play", on(PAGE, 4080, 240, 990, 315)),
+        ("push button", "Play", on(PAGE, 4080, 705, 990, 315)),
     ],
     "Options": [
+        STRIP,
         ("check box", "Do not save log file", on(PAGE, 135, 240, 2415, 285)),
         ("check box", "Start with windows", on(PAGE, 135, 660, 2415, 285)),
         ("check box", "Minimize to system tray", on(PAGE, 135, 1095, 2415, 285)),
     ],
 }
-ALL_PAGES = {(role, name) for page in TABS.values() for role, name, _ in page}
-MINIMUM = tuple(side // TWIPS_PER_PIXEL for side in CLIENT)
+GROWING = {"Pages", "Log", "Cookies", "Search results", "Cleaner"}
+# The client areas, in pixels of a screen that is not scaled.
+MAIN, ABOUT, DETAIL, POPUP = (535, 254), (366, 241), (471, 361), (229, 91)
+# The order of the Tab key in the other windows.
+ABOUT_ORDER = [("push button", "OK"), ("link", "support@quillmere.example"),
+               ("link", "https://www.quillmere.example/")]
+DETAIL_ORDER = [("text", "Cookie file"), ("text", "Modified"), ("text", "Size"),
+                ("text", "Details"), ("push button", "Close")]
+QUESTION_ORDER = [("push button", "Yes"), ("push button", "No")]
+POPUP_ORDER = [("push button", "Close"), ("push button", "View")]
+LIST, HELP_BUTTON = ("tree", "Cookies"), ("push button", "Help")
+# Roles of controls that only hold others, and so need no name; and of those with a text to read.
+HOLDERS = {"filler", "panel", "scroll bar", "label", "image"}
+READ = {"push button", "label", "link", "check box", "combo box", "page tab"}
+
+DARK = {"QT_QPA_PLATFORMTHEME": "kde", "KDE_SESSION_VERSION": "5"}
+DARK_COLOURS = "".join(f"[Colors:{part}]\nBackgroundNormal={ground}\nForegroundNormal=239,240,241\n"
+                       "BackgroundAlternate=49,54,59\nForegroundLink=61,174,233\n"
+                       for part, ground in (("Window", "49,54,59"), ("View", "35,38,41"),
+                                            ("Button", "49,54,59"), ("Selection", "20,90,150")))
+# Name and scale of each look, the environment and the display's resources that bring it about.
+LOOKS = [("light-100", 1, {}, ""), ("dark-150", 1.5, DARK, "Xft.dpi:\t144\n"),
+         ("light-200", 2, {"QT_SCALE_FACTOR": "2"}, "")]
+
+
+class Picture:
+    """What is on the screen, its places counted in pixels that are not scaled."""
+
+    def __init__(self, name, scale):
+        self.scale = scale
+        data = subprocess.run(["convert", SCREENS / f"{name}.png", "-depth", "8", "rgb:-"],
+                              stdout=subprocess.PIPE, check=True).stdout
+        self.rows = [data[row:row + 3 * 1280] for row in range(0, len(data), 3 * 1280)]
+
+    def contrast(self, place):
+        """Of the strongest colour against the commonest one, as the web's guidelines count it;
+        and how light the commonest is."""
+        left, top, width, height = (max(0, int(value * self.scale)) for value in place)
+        colours = Counter()
+        for row in self.rows[top:top + height]:
+            part = row[3 * left:3 * (left + width)]
+            colours.update(zip(part[0::3], part[1::3], part[2::3]))
+
+        def light(colour):
+            parts = [part / 255 for part in colour]
+            linear = [p / 12.92 if p <= 0.04045 else ((p + 0.055) / 1.055)**2.4 for p in parts]
+            return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2] + 0.05
+
+        ground = light(colours.most_common(1)[0][0])
+        return max(max(light(c), ground) / min(light(c), ground) for c in colours), ground
 
 
 class WindowTest(DesktopTest):
-    def check_layout(self, program, picture):
-        """Every tab in turn: its controls in their places, and none of another tab."""
-        left, top, width, height = program.geometry()
-        grown = (width - MINIMUM[0], height - MINIMUM[1])
-        for tab, page in TABS.items():
-            program.select_tab(tab)
-            self.desktop.screenshot(f"{picture}-{tab.lower()}")
-            showing = [control for control in self.everything(program) if control.showing]
-            names = {(control.role, control.name) for control in showing}
-            others = ALL_PAGES - {(role, name) for role, name, _ in page}
-            self.assertEqual(names & others, set())
-            for role, name, place in BUTTONS + STRIP + page:
-                with self.subTest(picture=picture, tab=tab, name=name):
-                    control = next((each for each in showing
-                                    if (each.role, each.name) == (role, name)), None)
-                    self.assertIsNotNone(control, f"no {role} '{name}'")
-                    expected = [twips / TWIPS_PER_PIXEL for twips in place]
-                    if name in GROWING:
-                        expected[2] += grown[0]
-                        expected[3] += grown[1]
-                    self.check_place(role, control.place(), (left, top), expected)
+    def begin(self, **options):
+        self.shown = self.program(config=SAVE_LOG, **options)
+        (self.shown.cookies / FILE).write_bytes(cookies("id"))
 
-    def check_place(self, role, place, origin, expected):
-        x, y, width, height = place
-        differences = [x - origin[0] - expected[0], y - origin[1] - expected[1],
-                       width - expected[2], height - expected[3]]
+    def active(self):
+        """The window in front, the program's or its help's, as the accessibility bus knows it."""
+        applications = (each.application() for each in (self.shown, *viewers(self.shown)))
+        return next((window for application in applications if application
+                     for window in application.children() if window.has("active")), None)
+
+    def focused(self):
+        """Role and name of the control that has the keyboard."""
+        window = self.active()
+        return next(((each.role, each.name) for each in (window.in_sight() if window else ())
+                     if each.has("focused", "focusable") and each.role != "page tab"),
+                    None)
+
+    def wait_for_focus(self, control):
+        wait_until(lambda: self.focused() == control, f"the keyboard at {control}")
+
+    # --- Places ----------------------------------------------------------------------------------
+
+    def check_page(self, tab):
+        """The tab's controls are in their places, and none of another tab is there."""
+        left, top, width, height = self.active().place()
+        in_sight = [(each.role, each.name, each.place()) for each in self.active().in_sight()]
+        expected = BUTTONS + TABS[tab]
+        others = {(role, name) for page in TABS.values() for role, name, _ in page}
+        others -= {(role, name) for role, name, _ in expected}
+        self.assertEqual(others & {(role, name) for role, name, _ in in_sight}, set())
+        for role, name, place in expected:
+            place = [twips / TWIPS_PER_PIXEL for twips in place]
+            if name in GROWING:
+                place[2:] = [place[2] + width - MAIN[0], place[3] + height - MAIN[1]]
+            found = [(x - left, y - top, *size) for each, called, (x, y, *size) in in_sight
+                     if (each, called) == (role, name)]
+            self.assertTrue(any(self.lies_at(role, each, place) for each in found),
+                            f"{tab}: {role} '{name}' {found} is not at {place}")
+
+    def lies_at(self, role, found, place):
+        differences = [one - other for one, other in zip(found, place)]
         if role == "check box":
             # Of a check box only mark and caption are told: they start at the left, in the middle
             # of its height, and must fit in.
@@ -89,94 +164,164 @@ class WindowTest(DesktopTest):
             differences[2:] = [max(each, 0) for each in differences[2:]]
         elif role == "label":
             differences[3] = max(differences[3], 0)
-        self.assertLessEqual(max(map(abs, differences)), 1, f"{place} from {origin}: {expected}")
+        return max(map(abs, differences)) <= 1
 
-    def everything(self, program):
-        def below(control):
-            for child in control.children():
-                yield child
-                if child.role not in LISTS:
-                    yield from below(child)
-        return below(program.application())
+    def check_pages(self, picture):
+        for tab in TABS:
+            self.shown.select_tab(tab)
+            self.desktop.screenshot(f"{picture}-{tab.lower()}")
+            self.check_page(tab)
 
-    def wait_for_size(self, program, width, height):
-        wait_until(lambda: program.geometry()[2:] == (width, height), f"{width} x {height}", 5)
-
-    def double_click_title(self, program):
-        left, top, width, _ = program.geometry()
-        run("xdotool", "mousemove", left + width // 2, top - program.frame()[2] // 2,
-            "click", "--repeat", 2, "--delay", 50, 1)
-
-    def client_list(self):
-        return run("xprop", "-root", "_NET_CLIENT_LIST")
-
-    def test_opening_and_maximised(self):
-        program = self.started()
-        left, top, width, height = program.geometry()
-        self.assertEqual((width, height), MINIMUM)
+    def test_sizes(self):
+        self.begin()
+        program = self.shown.start()
+        left, top, *size = program.geometry()
+        self.assertEqual(tuple(size), MAIN)
         # In the middle of the screen, give or take what the window manager draws around it.
-        self.assertLessEqual(abs(left + width / 2 - 640), 15)
-        self.assertLessEqual(abs(top + height / 2 - 512), 30)
-        self.assertEqual(run("xdotool", "getwindowname", program.find_window()), "Quillmere\n")
+        self.assertLessEqual(abs(left + MAIN[0] / 2 - 640), 15)
+        self.assertLessEqual(abs(top + MAIN[1] / 2 - 512), 30)
         self.assertIn("Icon (", run("xprop", "-id", program.find_window(), "_NET_WM_ICON"))
-        self.check_layout(program, "opening")
-
-        self.double_click_title(program)
-        wait_until(lambda: "MAXIMIZED" in program.window_states(), "the window to be maximised")
+        wait_until(self.active, "the window in front")
+        self.check_pages("opening")
+        program.switch_maximised()
         wait_until(lambda: program.geometry()[2] > 1200, "the whole screen's width")
-        self.check_layout(program, "maximised")
-        self.double_click_title(program)
-        self.wait_for_size(program, *MINIMUM)
-        self.check_layout(program, "restored")
+        self.check_pages("maximised")
+        program.switch_maximised()
+        for asked, given in (((800, 600), (800, 600)), ((100, 100), MAIN)):
+            run("xdotool", "windowsize", program.find_window(), *asked)
+            self.wait_for_equal(lambda: program.geometry()[2:], given)
+        self.check_pages("smallest")
 
-    def test_smallest_size(self):
-        program = self.started()
-        window = program.find_window()
-        for asked, given in (((800, 600), (800, 600)), ((300, 500), (MINIMUM[0], 500)),
-                             ((700, 100), (700, MINIMUM[1])), ((100, 100), MINIMUM)):
-            run("xdotool", "windowsize", window, *asked)
-            self.wait_for_size(program, *given)
-        run("xdotool", "windowsize", window, 700, 500)
-        self.wait_for_size(program, 700, 500)
-        left, top, width, height = program.geometry()
-        corner = (left + width - 1, top + height + program.frame()[3] - 2)
-        run("xdotool", "mousemove", *corner, "mousedown", 1)
-        for step in range(1, 11):
-            run("xdotool", "mousemove", corner[0] - 45 * step, corner[1] - 40 * step)
-        run("xdotool", "mouseup", 1)
-        self.wait_for_size(program, *MINIMUM)
-        self.check_layout(program, "smallest")
+    # --- Keyboard, scales and colours ------------------------------------------------------------
 
-    def test_minimised_to_the_taskbar(self):
-        program = self.started(config=b"ToTray=False\r\n")
-        wait_until(program.mapped, "the window")
-        window = program.find_window()
-        place = program.geometry()
-        run("xdotool", "windowminimize", window)
-        wait_until(lambda: not program.mapped(), "the window to be minimised")
-        self.assertIn("Iconic", program.window_states())
-        self.assertIn(f"{int(window):#x}", self.client_list())
-        (program.cookies / "new.txt").write_bytes(COOKIE)
-        wait_until(program.log_lines, "the report of a minimised window")
-        program.activate()
-        wait_until(program.mapped, "the window to come back")
-        wait_until(lambda: program.geometry() == place, "its old place")
-        program.select_tab("Cookies")
-        cookies = program.control("tree", "Cookies")
-        wait_until(lambda: [(row[0], row[2]) for row in cookies.rows()]
-                   == [("shop.example", "id")], "the new cookie in the list")
+    def select_tab(self, tab):
+        """By the Tab and the arrow keys."""
+        self.go_to("page tab list")
+        step = list(TABS).index(tab) - list(TABS).index(self.focused()[1])
+        if step:
+            key(*["Right" if step > 0 else "Left"] * abs(step))
+        self.wait_for_focus(("page tab list", tab))
 
-    def test_minimised_to_the_tray(self):
-        program = self.started(config=b"ToTray=True\r\n")
-        wait_until(program.mapped, "the window")
-        window = program.find_window()
-        run("xdotool", "windowminimize", window)
-        wait_until(lambda: f"{int(window):#x}" not in self.client_list(),
-                   "the window to leave the taskbar")
-        self.assertFalse(program.mapped())
-        (program.cookies / "new.txt").touch()
-        wait_until(program.log_lines, "the report of a hidden window")
-        self.assertEqual(program.end(), 0)
+    def go_to(self, *wanted):
+        """By the Tab key to a control of that role, or of that role and name."""
+        while (focus := wait_until(self.focused, "the keyboard"))[:len(wanted)] != wanted:
+            key("Tab")
+            with contextlib.suppress(AssertionError):  # two controls can have the same name
+                wait_until(lambda: self.focused() not in (None, focus), "the next control", 1)
+
+    def open_about(self):
+        self.go_to("push button", "About")
+        key("Return")
+
+    def open_detail(self):
+        self.select_tab("Cookies")
+        wait_until(lambda: self.shown.control(*LIST).rows(), "the cookie in the list")
+        self.go_to(*LIST)
+        key("Home", "space", "Return")
+
+    def open_question(self):
+        key("Menu")
+        wait_until(lambda: self.shown.windows(""), "the menu")
+        key("Down", "Down", "Return")
+        self.shown.control("label", QUESTION)
+
+    def open_popup(self):
+        """A popup comes and is given the keyboard."""
+        known = self.shown.windows("Quillmere")
+        (self.shown.cookies / FILE).write_bytes(cookies("id", "next"))
+        popup, = wait_until(lambda: set(self.shown.windows("Quillmere")) - set(known), "the popup")
+        run("xdotool", "windowactivate", "--sync", popup)
+
+    def open_help(self):
+        self.shown.activate()
+        self.go_to(*HELP_BUTTON)
+        key("Return")
+
+    # How each opens, its size, the order of the Tab key, the keys that close it in the first looks,
+    # and what has the keyboard then.
+    WINDOWS = [
+        ("about", open_about, ABOUT, ABOUT_ORDER, ("Escape", "alt+o"), ("push button", "About")),
+        ("detail", open_detail, DETAIL, DETAIL_ORDER, ("Escape", "alt+c"), LIST),
+        ("question", open_question, None, QUESTION_ORDER, ("Escape", "alt+n"), LIST),
+        ("popup", open_popup, POPUP, POPUP_ORDER, ("Return", "alt+c"), None),
+        ("help", open_help, None, [("label", "Help page")], ("Escape", "Escape"), HELP_BUTTON),
+    ]
+
+    def order_from_strip(self, tab, page):
+        """Start is grey while the program watches."""
+        order = [control[:2] for control in page + BUTTONS[1:]
+                 if control[0] not in ("label", "panel")]
+        strip = order.index(STRIP[:2])
+        return [("page tab list", tab), *order[strip + 1:], *order[:strip]]
+
+    def check_tab_order(self, order):
+        """Once round by Tab and one step back; it begins and ends at the first control."""
+        for control in (*order, order[0]):
+            self.wait_for_focus(control)
+            key("Tab")
+        self.wait_for_focus(order[1])
+        key("shift+Tab")
+        self.wait_for_focus(order[0])
+
+    def look(self, name, scale, usual):
+        """The window in front is what it is at every scale, told to a screen reader and readable;
+        `usual` holds where things lay before."""
+        self.desktop.screenshot(name)
+        theme, _, window = name.split("-")
+        in_sight = self.active().in_sight()
+        self.assertEqual([(each.role, each.place()) for each in in_sight
+                          if not each.name and each.role not in HOLDERS], [])
+        left, top, width, height = self.active().place()
+        self.assertLessEqual(max((left + width) * scale - 1280, (top + height) * scale - 1024), 0)
+        if window not in ("question", "help"):  # as large as their content and the screen
+            places = [(each.role, each.name, x - left, y - top, *size)
+                      for each in in_sight for x, y, *size in [each.place()]]
+            self.assertEqual(places, usual.setdefault(window, places))
+        if theme == "dark":
+            picture = Picture(name, scale)
+            self.assertLess(picture.contrast((left, top, width, height))[1], 0.2)
+            for each in in_sight:
+                if each.enabled and each.role in READ and each.name:
+                    self.assertGreater(picture.contrast(each.place())[0], 4.5,
+                                       (each.role, each.name))
+
+    def test_looks(self):
+        """Each window in every look, opened, gone round and closed without the mouse."""
+        usual = {}
+        self.addCleanup(run, "xprop", "-root", "-remove", "RESOURCE_MANAGER")
+        for number, (look, scale, env, resources) in enumerate(LOOKS):
+            with self.subTest(look):
+                run("xprop", "-root", "-format", "RESOURCE_MANAGER", "8s",
+                    "-set", "RESOURCE_MANAGER", resources)
+                self.begin(env=env)
+                (self.shown.folder.parent / "config/kdeglobals").write_text(DARK_COLOURS)
+                self.shown.start()
+                self.wait_for_focus(BUTTONS[1][:2])
+                self.check_size(MAIN, scale)
+                for tab, page in TABS.items():
+                    self.select_tab(tab)
+                    self.look(f"{look}-{tab.lower()}", scale, usual)
+                    if number == 0:
+                        self.check_tab_order(self.order_from_strip(tab, page))
+                for name, opened, size, order, closes, after in self.WINDOWS if number < 2 else ():
+                    opened(self)
+                    self.wait_for_focus(order[0])
+                    if size:
+                        self.check_size(size, scale)
+                    self.look(f"{look}-{name}", scale, usual)
+                    if number == 0 and len(order) > 1:
+                        self.check_tab_order(order)
+                    key(closes[number])
+                    if after:
+                        self.wait_for_focus(after)
+                self.assertEqual(self.shown.end(), 0)
+
+    def check_size(self, size, scale):
+        def active_size():
+            window = run("xdotool", "getactivewindow", check=False).strip()
+            return self.shown.geometry(window)[2:]
+        wait_until(lambda: all(math.isclose(a, b * scale, abs_tol=1)
+                               for a, b in zip(active_size(), size)), f"{size} at {scale}")
 
 
 if __name__ == "__main__":

@@ -1,19 +1,9 @@
-#!/usr/bin/env python3
-"""cookie_reader.py FOLDER [GROUP]: prints what the cookie list has to show for a folder.
-
-One line a row, in the folder's own order: server, expiry date, cookie name, value, file, size,
-modified, divided by tabs. Control characters and backslashes inside a cell print as \\xNN. GROUP is
-the separator of digit groups, a comma by default.
-
-Written apart from the program, so that each can find the other's faults.
-"""
+"""What the cookie list has to show for a folder, told without the program."""
 
 import codecs
 import datetime
 import os
 import re
-import stat
-import sys
 import time
 
 EPOCH_1601 = datetime.datetime(1601, 1, 1)
@@ -23,7 +13,7 @@ NUMBER = re.compile(r"[ \t]*([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+
 
 
 def local_time(ticks):
-    """Ticks since 1601, UTC, as local time by the zone offset of this moment; None if impossible."""
+    """Ticks since 1601, UTC, as local time by the offset of this moment; None if impossible."""
     ticks += time.localtime().tm_gmtoff * TICKS
     if ticks < 0:
         return None
@@ -67,33 +57,20 @@ def records(data):
         yield server[:-1] if server.endswith("/") else server, expire_date(high), name, value
 
 
-def rows(folder, group=","):
-    """Every row of the list as seven byte strings."""
+def lines(folder):
+    """A line of bytes for each row of the list."""
     for entry in os.scandir(os.fsencode(folder)):
         if not entry.name.lower().endswith(b".txt") or entry.name.startswith(b"."):
             continue
-        try:
-            status = entry.stat()
-        except FileNotFoundError:
+        if not os.path.isfile(entry.path):
             continue
-        if not stat.S_ISREG(status.st_mode):
-            continue
+        status = entry.stat()
         with open(entry.path, "rb") as file:
             data = file.read()
-        size = f"{status.st_size:,}".replace(",", group) if status.st_size else ""
-        modified = str(local_time(status.st_mtime_ns // 100 + TICKS_1601_TO_1970))
+        size = f"{status.st_size:,}" if status.st_size else ""
+        modified = local_time(status.st_mtime_ns // 100 + TICKS_1601_TO_1970)
         for cells in records(data):
-            yield [cell.encode() for cell in cells] + [entry.name, size.encode(), modified.encode()]
-
-
-def escaped(cell):
-    return re.sub(rb"[\x00-\x1f\x7f\\]", lambda found: b"\\x%02X" % found.group()[0], cell)
-
-
-def main():
-    for row in rows(*sys.argv[1:]):
-        sys.stdout.buffer.write(b"\t".join(map(escaped, row)) + b"\n")
-
-
-if __name__ == "__main__":
-    main()
+            row = [cell.encode() for cell in cells]
+            row += [entry.name, size.encode(), str(modified).encode()]
+            yield b"\t".join(re.sub(rb"[\x00-\x1f\x7f\\]", lambda found: b"\\x%02X" % found[0][0],
+                                    cell) for cell in row)

@@ -1,13 +1,8 @@
-#!/usr/bin/env python3
-"""make_cookies.py FOLDER COUNT [SEED]: fills a folder with cookie files, broken ones among them.
-
-The same seed gives the same files. Besides COUNT files there are entries that only look like
-cookie files (a folder, a pipe, a dangling link, a hidden file) and one file with a line of 20 MB.
-"""
+"""Cookie files, broken ones among them and always the same; entries that only look like cookie
+files (a folder, a pipe, a dangling link, a hidden file); and one file with a line of 20 MB."""
 
 import os
 import random
-import sys
 
 LONG_LINE = 20_000_000
 HIGH_WORDS = [
@@ -77,10 +72,9 @@ def add_look_alikes(folder, rng):
     os.symlink(b"nowhere", os.path.join(folder, b"dangling.txt"))
 
 
-def make(folder, count, seed=1):
-    rng = random.Random(seed)
+def make(folder, count):
+    rng = random.Random(1)
     folder = os.fsencode(folder)
-    os.makedirs(folder, exist_ok=True)
     for number in range(count):
         path = os.path.join(folder, name(rng, number))
         with open(path, "wb") as file:
@@ -92,7 +86,3 @@ def make(folder, count, seed=1):
         lines[1] = b"v" * LONG_LINE
         file.write(b"".join(line + b"\n" for line in lines + record(rng)))
     add_look_alikes(folder, rng)
-
-
-if __name__ == "__main__":
-    make(sys.argv[1], int(sys.argv[2]), int(sys.argv[3]) if len(sys.argv) > 3 else 1)

@@ -47,7 +47,7 @@ void ClearCookieRows() {
 }
 
 void ReadCookies() {
-  const platform::FolderAtHand folder(PublicDim.CookieDir);
+  const platform::FolderAtHand folder(PublicDim.CookieDir + "*.txt");
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

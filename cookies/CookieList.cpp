@@ -27,7 +27,7 @@ void LoadCookieList(platform::ListView& List) {
   // The room of the old rows is kept for the new ones: a large array is dear to get anew.
   PublicDim.CookieRows.clear();
   PublicDim.CookieRows.emplace_back();
-  const platform::FolderAtHand folder(PublicDim.CookieDir);
+  const platform::FolderAtHand folder(PublicDim.CookieDir + "*.txt");
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

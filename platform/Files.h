@@ -58,11 +58,12 @@ class InputFile {
   bool open_ = false;
 };
 
-/// For a scope in which many files of one folder are opened: what the folder tells of all of them
-/// is read once and not asked for each. One at a time.
+/// For a scope in which most files of one folder that fit a pattern are opened, about in the order
+/// of `FindNextFileA`: what the folder tells of all of them is read once and not asked for each,
+/// and the next ones may be read while the last is worked on. One at a time.
 class FolderAtHand {
  public:
-  explicit FolderAtHand(const std::string& folder);
+  explicit FolderAtHand(const std::string& pattern);
   FolderAtHand(const FolderAtHand&) = delete;
   FolderAtHand& operator=(const FolderAtHand&) = delete;
   ~FolderAtHand();

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/linux/Paths.h"
+#include "platform/linux/ReadAhead.h"
 
 namespace platform {
 namespace {
@@ -175,63 +176,24 @@ class Successor {
   bool placed_ = false;
 };
 
-/// The folder of the `FolderAtHand` that lives.
-class Listing {
- public:
-  Listing() = default;
-  explicit Listing(const std::string& path) : path_(path) {
-    DirectoryReader reader(path);
-    if (!reader.IsOpen()) return;
-    folder_ = Descriptor(openat(reader.Folder(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
-    DirectoryReader::Entry entry;
-    while (reader.Next(entry)) {
-      if (entry.Type == DT_REG) regular_.append(entry.Name).append(1, '\0');
-    }
-  }
+struct FolderReading {
+  explicit FolderReading(const std::string& pattern) : Listing(pattern), Ahead(Listing) {}
 
-  int Folder() const { return folder_.Number(); }
-
-  /// Whether the directory has told that this is a regular file. Names are asked for in about the
-  /// order of the directory; a no for one that is out of order means nothing.
-  bool TellsRegular(std::string_view folder, std::string_view name) {
-    if (!folder_ || folder != path_) return false;
-    constexpr int MostSkipped = 16;
-    std::size_t at = next_;
-    for (int i = 0; i <= MostSkipped && at < regular_.size(); ++i) {
-      const std::string_view listed(regular_.c_str() + at);
-      at += listed.size() + 1;
-      if (listed != name) continue;
-      next_ = at;
-      return true;
-    }
-    return false;
-  }
-
- private:
-  std::string path_;
-  Descriptor folder_;
-  std::string regular_;  ///< Names in the order of the directory, each ended by a NUL.
-  std::size_t next_ = 0;
+  FolderListing Listing;
+  ReadAhead Ahead;
 };
 
-Listing& AtHand() {
-  static Listing folder;
-  return folder;
+/// What the `FolderAtHand` that lives has read.
+std::optional<FolderReading>& AtHand() {
+  static std::optional<FolderReading> reading;
+  return reading;
 }
 
 /// An ordinary file opened for reading; nothing for any other. The look comes before the open: a
 /// pipe or a device must not even be opened.
-Descriptor OpenOrdinary(const std::string& path) {
-  constexpr int Flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-  const std::size_t nameBegin = path.rfind('/') + 1;
-  const std::string_view name = std::string_view(path).substr(nameBegin);
-  if (!IsPath(path) || name.starts_with('.')) return {};
-  Listing& known = AtHand();
-  if (known.TellsRegular(std::string_view(path).substr(0, nameBegin), name)) {
-    return Descriptor(openat(known.Folder(), name.data(), Flags));
-  }
-  if (!IsOrdinaryFile(AT_FDCWD, path.c_str())) return {};
-  return Descriptor(open(path.c_str(), Flags));
+Descriptor OpenOrdinary(const std::string& path, bool isRegular) {
+  if (!isRegular) isRegular = IsOrdinaryFile(AT_FDCWD, path.c_str());
+  return isRegular ? Descriptor(open(path.c_str(), ReadingFlags)) : Descriptor();
 }
 
 }  // namespace
@@ -258,11 +220,21 @@ int DeleteFileA(const std::string& path) {
 
 bool MkDir(const std::string& path) { return IsPath(path) && mkdir(path.c_str(), 0777) == 0; }
 
-FolderAtHand::FolderAtHand(const std::string& folder) { AtHand() = Listing(folder); }
-FolderAtHand::~FolderAtHand() { AtHand() = {}; }
+FolderAtHand::FolderAtHand(const std::string& pattern) { AtHand().emplace(pattern); }
+FolderAtHand::~FolderAtHand() { AtHand().reset(); }
 
 InputFile::InputFile(const std::string& path) {
-  const Descriptor file = OpenOrdinary(path);
+  if (!IsPath(path) || NameOf(path).starts_with('.')) return;
+  std::optional<std::size_t> listed;
+  if (AtHand()) listed = AtHand()->Listing.Find(path);
+  if (listed) {
+    if (const auto content = AtHand()->Ahead.Take(*listed)) {
+      content_ = *content;
+      open_ = true;
+      return;
+    }
+  }
+  const Descriptor file = OpenOrdinary(path, listed.has_value());
   if (!file) return;
   std::array<char, 65536> buffer;
   ssize_t got = 0;

@@ -135,6 +135,10 @@ class DirectoryReader {
   bool begun_ = false;
 };
 
+/// For the opening of an ordinary file. Without O_NONBLOCK the open of a pipe that has just taken
+/// its place would wait for a writer.
+inline constexpr int ReadingFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+
 /// An ordinary file: a regular one, or a link that leads to one. `type` saves the look where the
 /// directory has told already.
 inline bool IsOrdinaryFile(int folder, const char* name, unsigned char type = DT_UNKNOWN) {

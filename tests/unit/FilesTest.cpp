@@ -94,11 +94,35 @@ TEST(Files, InputOpensOrdinaryFilesOnlyAlsoInAFolderAtHand) {
     }
   };
   expect();
-  const FolderAtHand atHand(folder.Path());
+  const FolderAtHand atHand(folder.Path("*.txt"));
   expect();
   expect();  // in another order than that of the directory
   folder.Write("none.txt");
   EXPECT_TRUE(opens("none.txt")) << "it came since";
+}
+
+TEST(Files, AFolderAtHandGivesTheContentOfEveryFile) {
+  const TemporaryFolder folder;
+  const auto content = [](const std::string& name) {
+    return std::string(name == "7.txt" ? 600'000 : 20'000, name[0]) + name;  // 7: more than a block
+  };
+  for (int i = 0; i < 300; ++i) {
+    const std::string name = std::to_string(i) + ".txt";
+    folder.Write(name, content(name));
+  }
+  WIN32_FIND_DATA data;
+  const HANDLE search = FindFirstFileA(folder.Path("*.txt"), data);
+  const FolderAtHand atHand(folder.Path("*.txt"));
+  int i = 0;
+  do {
+    const std::string name = data.cFileName.data();
+    if (++i % 7 == 0) continue;  // passed over
+    const bool deleted = i % 7 == 1 && Kill(folder.Path(name));
+    InputFile file(folder.Path(name));
+    const std::string read = file.LineInput();
+    EXPECT_TRUE(read == content(name) || (deleted && !file.IsOpen())) << name;
+  } while (FindNextFileA(search, data) != 0);
+  FindClose(search);
 }
 
 TEST(Files, ReplaceKeepsModeAndLinksAndLeavesNothingBehind) {

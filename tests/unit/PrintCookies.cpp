@@ -30,7 +30,7 @@ int main(int argc, char** argv) {
   PublicDim.CookieDir = std::string(argv[1]) + "/";
   TakeFirstSnapshot();
   PublicDim.CookieRows.resize(1);
-  const platform::FolderAtHand folder(PublicDim.CookieDir);
+  const platform::FolderAtHand folder(PublicDim.CookieDir + "*.txt");
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }

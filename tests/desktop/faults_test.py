@@ -1,0 +1,412 @@
+"""What the machine can do to a program: full disks, folders that go, names that nobody expects,
+a clock that jumps, a desktop without its services, sudden ends."""
+
+import contextlib
+import ctypes
+import os
+import random
+import select
+import shutil
+import struct
+import subprocess
+import sys
+import time
+from pathlib import Path
+
+from harness import (SANITIZED, SAVE_LOG, Control, DesktopTest, cookies, key, main, options, run,
+                     wait_until)
+
+# In a namespace of its own a test may mount, and what is forbidden is forbidden to root too.
+Pointer = ctypes.c_void_p
+INSIDE = "QUILLMERE_FAULTS_INSIDE"
+
+
+def enter_namespace():
+    user = [] if os.geteuid() == 0 else ["--map-root-user"]
+    wrapper = ["unshare", *user, "--mount", "setpriv", "--bounding-set",
+               "-dac_override,-dac_read_search"]
+    if INSIDE not in os.environ and subprocess.run([*wrapper, "true"], check=False).returncode == 0:
+        os.environ[INSIDE] = "yes"
+        os.execvp(wrapper[0], [*wrapper, sys.executable, "-B", *sys.argv])
+
+
+def used(program):
+    """Seconds of the processor."""
+    fields = Path(f"/proc/{program.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
+    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
+
+
+def shown(name):
+    """A file name as a list shows it."""
+    text = name.decode("utf-8", "replace")
+    return text.translate({0x7F: 0x2421, 0x2028: 0x2424, **{c: 0x2400 + c for c in range(32)},
+                           **{c: 0xFFFD for c in range(0x80, 0xA0)}})
+
+
+class SessionManager:
+    """The desktop's side of the session protocol, as far as the program meets it."""
+
+    def __init__(self):
+        self.ice, self.sm = ctypes.CDLL("libICE.so.6"), ctypes.CDLL("libSM.so.6")
+        self.ice.IceAcceptConnection.restype = self.sm.SmsGenerateClientID.restype = Pointer
+        self.ice.IceComposeNetworkIdList.restype = ctypes.c_char_p
+        self.connection, self.saved, self.restart = None, 0, None
+        callback = ctypes.CFUNCTYPE(ctypes.c_int, *[Pointer] * 5)
+        # As the library numbers them: a client that registers, has saved, tells of itself.
+        known = {0: self.register, 5: self.note_saved, 7: self.note_properties}
+        self.answers = [callback(known.get(number, lambda *_: 0)) for number in range(10)]
+        self.kept = callback(self.take_client), callback(lambda *_: 1)
+        error, count, places = ctypes.create_string_buffer(256), ctypes.c_int(), Pointer()
+        self.sm.SmsInitialize(b"", b"", self.kept[0], None, self.kept[1], 256, error)
+        self.ice.IceListenForConnections(ctypes.byref(count), ctypes.byref(places), 256, error)
+        self.address = self.ice.IceComposeNetworkIdList(count, places).decode()
+        self.places = [Pointer(each) for each in (Pointer * count.value).from_address(places.value)]
+        for each in self.places:
+            self.ice.IceSetHostBasedAuthProc(each, self.kept[1])
+
+    def take_client(self, client, _, mask, callbacks, __):
+        self.client = Pointer(client)
+        ctypes.c_ulong.from_address(mask).value = 0x3FF
+        table = (Pointer * 20).from_address(callbacks)
+        table[::2] = [ctypes.cast(answer, Pointer).value for answer in self.answers]
+        return 1
+
+    def register(self, *_):
+        name = Pointer(self.sm.SmsGenerateClientID(self.client))
+        self.sm.SmsRegisterClientReply(self.client, name)
+        self.sm.SmsSaveYourself(self.client, 2, 0, 0, 0)
+        return 1
+
+    def note_saved(self, *_):
+        self.saved += 1
+        return 1
+
+    def note_properties(self, _, __, count, properties, ___):
+        for each in (Pointer * count).from_address(properties):
+            name, _, _, values = struct.unpack("PPiP", ctypes.string_at(each, 32))
+            if ctypes.string_at(name) == b"RestartStyleHint":
+                _, value = struct.unpack("iP", ctypes.string_at(values, 16))
+                self.restart = ctypes.string_at(value, 1)[0]
+        return 1
+
+    def serve(self):
+        """Takes in what has come by now."""
+        def come(descriptor):
+            return select.select([descriptor], [], [], 0)[0]
+        for each in self.places:
+            if come(self.ice.IceGetListenConnectionNumber(each)):
+                self.connection = Pointer(self.ice.IceAcceptConnection(
+                    each, ctypes.byref(ctypes.c_int())))
+        while self.connection and come(self.ice.IceConnectionNumber(self.connection)):
+            if self.ice.IceProcessMessages(self.connection, None, None):
+                self.connection = None
+
+
+class FaultsTest(DesktopTest):
+    def mount(self, place, *how):
+        if INSIDE not in os.environ:
+            self.skipTest("mounting takes more rights here")
+        if not place.exists():
+            place.mkdir()
+        run("mount", *(how or ("-t", "tmpfs", "none")), place)
+        self.addCleanup(run, "umount", "--lazy", place, check=False)
+
+    def check_rest(self, program):
+        before = used(program)
+        time.sleep(0.5)
+        self.assertLess(used(program) - before, 0.15)
+
+    @contextlib.contextmanager
+    def full(self, place):
+        filler = place / "filler"
+        with open(filler, "wb", 0) as file, contextlib.suppress(OSError):
+            while True:
+                file.write(bytes(4096))
+        yield
+        filler.unlink()
+
+    def windows(self, program, name):
+        return run("xdotool", "search", "--onlyvisible", "--all", "--pid", program.process.pid,
+                   "--name", f"^{name}$", check=False).split()
+
+    def popups(self, program):
+        return len(self.windows(program, "Quillmere")) - 1
+
+    def check_end(self, program, end=None):
+        self.assertEqual((end or program.end)(), 0)
+        self.assertEqual((program.folder.parent / "stderr").read_text(), "")
+
+    def test_full_disk(self):
+        program = self.program(config=SAVE_LOG)
+        disk = program.folder.with_name("disk")
+        self.mount(disk, "-t", "tmpfs", "-o", "size=8m", "none")
+        program.folder = Path(shutil.move(program.folder, disk / "app"))
+        self.mount(Path(program.env["XDG_CONFIG_HOME"]), "-t", "tmpfs", "-o", "size=64k", "none")
+        autostart = Path(program.env["XDG_CONFIG_HOME"]) / "autostart"
+        autostart.mkdir()
+        (autostart / "quillmere.desktop").write_text("[Desktop Entry]\nHidden=true\n")
+        program.start()
+        log = program.folder / "log" / time.strftime("%Y%m%d.txt", time.gmtime(time.time() + 19800))
+        # The next line begins in the last block and needs one more.
+        log.write_bytes(b"x" * 4084 + b"\r\n")
+        with self.full(disk), self.full(autostart.parent):
+            (program.cookies / "lost.txt").touch()
+            wait_until(lambda: self.popups(program) == 1, "the popup")
+            self.assertIn("added: lost.txt", program.log_lines()[0])
+            self.assertEqual(log.stat().st_size, 4086)
+            program.select_tab("Options")
+            box = program.check_box("Start with windows")
+            box.click()
+            wait_until(lambda: box.checked, "the tick")
+            self.assertEqual(os.listdir(autostart), ["quillmere.desktop"])
+            self.assertIn("Hidden", (autostart / "quillmere.desktop").read_text())
+        (program.cookies / "kept.txt").touch()
+        lines = program.wait_for_log(2)
+        self.assertIn("added: kept.txt", lines[1])
+        self.assertNotIn("lost", "".join(lines))
+        program.check_box("Minimize to system tray").click()
+        with self.full(disk):
+            self.check_end(program)
+        self.assertEqual((program.folder / "config.ini").read_bytes(), SAVE_LOG)
+        self.assertEqual([n for n in os.listdir(program.folder) if n.startswith(".")], [])
+
+    def test_cookie_folder_in_trouble(self):
+        program = self.program(config=SAVE_LOG)
+        folder = program.cookies
+        away, disk = folder.with_name("away"), folder.with_name("disk")
+        (folder / "a.txt").touch()
+        self.mount(disk)
+        (disk / "b.txt").touch()
+        program.start()
+        self.addCleanup(lambda: folder.chmod(0o700))
+
+        def moved(then=lambda: None):
+            folder.rename(away)
+            then()
+
+        def back():
+            with contextlib.suppress(FileNotFoundError):
+                folder.unlink()
+            away.rename(folder)
+
+        # What happens, the lines that it gives, what happens then, and the lines of that.
+        steps = [
+            (moved, ["- a"], back, ["+ a"]),
+            (lambda: shutil.rmtree(folder), ["- a"],
+             lambda: (folder.mkdir(), (folder / "a.txt").touch()), ["+ a"]),
+            (lambda: moved(folder.touch), ["- a"], back, ["+ a"]),
+            (lambda: moved(lambda: folder.symlink_to("nowhere")), ["- a"], back, ["+ a"]),
+            (lambda: moved(lambda: folder.symlink_to("disk")), ["+ b", "- a"], back,
+             ["+ a", "- b"]),
+            (lambda: run("mount", "--bind", disk, folder), ["+ b", "- a"],
+             lambda: run("umount", folder), ["+ a", "- b"]),
+            (lambda: folder.chmod(0), ["- a"], lambda: folder.chmod(0o700), ["+ a"]),
+        ]
+        count = 0
+        for act, gone, undo, returned in steps:
+            for deed, expected in ((act, gone), (undo, returned)):
+                with program.paused():
+                    deed()
+                lines = program.wait_for_log(count + len(expected))[count:]
+                count += len(expected)
+                told = [("+ " if "added" in line else "- ") + line.split(".txt")[0][-1]
+                        for line in lines]
+                self.assertEqual(told, expected)
+                if deed is act:
+                    self.check_rest(program)
+        (folder / "a.txt").write_text("changed")
+        self.assertIn("modified: a.txt", program.wait_for_log(count + 1)[-1])
+        self.check_end(program)
+
+    def test_without_a_desktop_around_it(self):
+        """No bus, no tray, no sound, no home: the window is there, and nothing is complained of."""
+        locked = self.desktop.home / "locked"
+        locked.mkdir()
+        locked.chmod(0o500)
+        for home in ("/nowhere/at/all", str(locked), "/dev/null"):
+            with self.subTest(home):
+                program = self.program(accessible=False)
+                for name in [name for name in program.env if name.startswith("XDG_")]:
+                    del program.env[name]
+                del program.env["DBUS_SESSION_BUS_ADDRESS"]
+                program.env["HOME"] = home
+                program.watching = program.find_window  # there may be no folder to watch
+                program.start()
+                self.check_rest(program)
+                self.check_end(program, program.close)
+                self.assertTrue((program.folder / "config.ini").exists())
+
+    def test_end_of_the_session(self):
+        """A logout that is taken back ends nothing; one that comes saves the settings."""
+        session = SessionManager()
+        program = self.program(config=SAVE_LOG, env={"SESSION_MANAGER": session.address})
+        watching = program.watching
+        program.watching = lambda: session.serve() or watching()
+        program.start()
+        config = program.folder / "config.ini"
+        config.unlink()
+
+        def ask(count):
+            session.sm.SmsSaveYourself(session.client, 2, 1, 0, 0)
+            wait_until(lambda: session.serve() or session.saved == count, "the answer")
+
+        wait_until(lambda: session.serve() or session.saved == 1, "the program to join")
+        ask(2)
+        session.sm.SmsShutdownCancelled(session.client)
+        (program.cookies / "later.txt").touch()
+        program.wait_for_log(1)
+        self.assertFalse(config.exists())
+        self.assertEqual(session.restart, 3, "never: what starts it again is its autostart entry")
+        ask(3)
+        session.sm.SmsDie(session.client)
+        self.assertEqual(program.process.wait(10), 0)
+        self.assertEqual(config.read_bytes(), SAVE_LOG)
+
+    def test_x_server_goes(self):
+        server = self.desktop.start("Xvfb", "-displayfd", "1", "-nolisten", "tcp",
+                                    stdout=subprocess.PIPE, text=True)
+        display = ":" + server.stdout.readline().strip()
+        program = self.started(env={"DISPLAY": display}, accessible=False)
+        server.kill()
+        self.assertEqual(program.process.wait(10), 0)
+        self.assertTrue((program.folder / "config.ini").exists())
+
+    def test_names(self):
+        """Whatever a name is made of: a line is a line, and a deletion hits that file alone."""
+        program = self.program(config=SAVE_LOG)
+        names = [b"two\nlines.txt", b"two\rlines.txt", b"\x01\x1b[31m\x7f.txt", b"bad\xff\xfe.txt",
+                 "nel\x85sep\u2028pdf\u202erlo.txt".encode(), b"<b>x &amp; &y.txt", b"%s%n$(x).txt",
+                 b" .txt", b"-rf *.txt", b"x" * 251 + b".txt"]
+        folder = os.fsencode(program.cookies)
+        program.start()
+        program.select_tab("Cookies")
+        with program.paused():
+            for name in names:
+                Path(os.fsdecode(folder + b"/" + name)).write_bytes(cookies("c"))
+        program.wait_for_log(len(names))
+        lines = program.log_file().split(b"\r\n")
+        self.assertEqual(len(lines), len(names) + 1)
+        self.assertFalse([line for line in lines if b"\n" in line or b"\r" in line])
+        self.assertEqual(len(program.log_lines()), len(names))
+        table = program.control("tree", "Cookies")
+
+        def files():
+            return [row[4] for row in table.rows()]
+
+        self.wait_for_equal(lambda: sorted(files()), sorted(map(shown, names)))
+        program.button("Stop").press()  # nothing else moves the rows from now on
+        wait_until(lambda: program.button("Start").enabled, "the stop")
+        Control(table.accessible.get_table_iface().get_accessible_at(0, 0)).click()
+        for number, name in enumerate(names[:-1], 1):
+            at = files().index(shown(name))
+            key("Home", *["Down"] * at, "Menu")
+            wait_until(lambda: self.windows(program, ""), "the menu")
+            key("Down", "Down", "Return")
+            wait_until(lambda: program.count("push button", "Yes"), "the question")
+            key("Return")
+            wait_until(lambda: not program.count("push button", "Yes"), "the question to go")
+            self.wait_for_equal(lambda: sorted(files()), sorted(map(shown, names[number:])))
+            self.assertEqual(set(os.listdir(folder)), set(names[number:]))
+        self.check_end(program)
+
+    def test_clock(self):
+        """Midnight, a clock that is set back, another zone: the texts follow, no timer stands."""
+        if SANITIZED:
+            self.skipTest("the sanitizers want to be loaded first")
+        self.mount(Path("/etc/localtime"), "--bind", "/usr/share/zoneinfo/UTC")
+        began = "1970-01-01 00:00:00"
+        stamp = self.desktop.home / "stamp"
+        stamp.write_text("@2004-05-01 23:59:50")
+        program = self.program(config=SAVE_LOG, env={
+            "LD_PRELOAD": str(next(Path("/usr/lib").glob("*/faketime/libfaketime.so.1"))),
+            "FAKETIME_TIMESTAMP_FILE": str(stamp), "FAKETIME_NO_CACHE": "1",
+            "FAKETIME_DONT_FAKE_MONOTONIC": "1", "NO_FAKE_STAT": "1"})
+        del program.env["TZ"]
+        program.start()
+
+        def change(moment, number):
+            stamp.write_text("@" + moment)
+            with program.paused():
+                path = program.cookies / f"{number}.txt"
+                path.touch()
+                os.utime(path, (0, 0))
+            wait_until(lambda: f"added: {number}" in program.log_file().decode(), "the line")
+
+        for number, (moment, day, text) in enumerate((
+                ("2004-05-01 23:59:50", "20040501", "5/1/2004 11:59:5"),
+                ("2004-05-02 00:00:10", "20040502", "5/2/2004 12:00:1"),
+                ("2004-04-30 12:00:00", "20040430", "4/30/2004 12:00:0"))):
+            change(moment, number)
+            line, = (program.folder / f"log/{day}.txt").read_text().splitlines()
+            self.assertTrue(line.startswith(text), line)
+            self.assertTrue(line.endswith(f"added: {number}.txt,  bytes, {began}"), line)
+        wait_until(lambda: self.popups(program) == 0, "the popups to close", 10)
+        self.check_rest(program)
+        self.mount(Path("/etc/localtime"), "--bind", "/usr/share/zoneinfo/Asia/Kolkata")
+        change("2004-05-01 20:00:00", 3)
+        for number in range(3):  # whose texts are others now
+            self.assertIn(f"modified: {number}.txt - bytes {began} =>  bytes 1970-01-01 05:30:00",
+                          program.log_file().decode())
+
+    def test_files_change_under_it(self):
+        """Files that go, grow, are locked or turn into something else while they are read."""
+        program = self.program(config=SAVE_LOG)
+        paths = [program.cookies / f"{number}.txt" for number in range(12)]
+        chance = random.Random(7)
+
+        def clear(path):
+            shutil.rmtree(path) if path.is_dir() and not path.is_symlink() else path.unlink()
+
+        acts = [lambda path: path.write_bytes(cookies(*"c" * chance.randrange(1, 9))),
+                lambda path: os.mkfifo(path), lambda path: path.mkdir(),
+                lambda path: path.symlink_to("/dev/zero"), lambda path: path.symlink_to(path.name),
+                lambda path: (path.write_bytes(cookies("locked")), path.chmod(0))]
+        program.start()
+        end = time.monotonic() + 3
+        while time.monotonic() < end:
+            path = chance.choice(paths)
+            with contextlib.suppress(FileNotFoundError):
+                clear(path)
+            chance.choice(acts + acts[:1] * 5)(path)
+            time.sleep(chance.choice((0, 0.001, 0.02)))
+        readable = sorted(path.name for path in paths if path.is_file()
+                          and path.stat().st_mode & 0o400)
+        program.select_tab("Cookies")
+        table = program.control("tree", "Cookies")
+        self.wait_for_equal(lambda: sorted({row[4] for row in table.rows()}), readable)
+        self.check_rest(program)
+        self.check_end(program)
+
+    def test_sound_server_dies_and_comes_back(self):
+        place = f"unix:{self.desktop.home}/runtime/sound"
+
+        def served():
+            server = self.desktop.start(
+                "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
+                "-L", "module-null-sink",
+                "-L", f"module-native-protocol-unix socket={place[5:]} auth-anonymous=1")
+            wait_until(lambda: "Null" in run("pactl", "--server", place, "list", "sinks",
+                                             check=False), "the sound server")
+            return server
+
+        def heard():
+            (program.cookies / f"{time.monotonic()}.txt").touch()
+            with contextlib.suppress(AssertionError):
+                return wait_until(lambda: run("pactl", "--server", place, "list", "short",
+                                              "sink-inputs", check=False), "a sound", 2)
+
+        server = served()
+        program = self.started(config=options(sound1=True), env={"PULSE_SERVER": place})
+        wait_until(heard, "the sound")
+        server.kill()
+        server.wait()
+        self.assertFalse(heard())
+        time.sleep(2.5)  # the toolkit tries again after three seconds
+        served()
+        wait_until(heard, "the sound after the return")
+        self.check_end(program)
+
+
+if __name__ == "__main__":
+    enter_namespace()
+    main()

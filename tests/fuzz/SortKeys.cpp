@@ -1,0 +1,102 @@
+#include <algorithm>
+#include <cmath>
+#include <optional>
+#include <regex>
+
+#include <QApplication>
+
+#include "cookies/CookieColumns.h"
+#include "cookies/modSortListView.h"
+#include "platform/Forms.h"
+#include "platform/Regional.h"
+#include "tests/fuzz/Fuzz.h"
+
+// Each line of the input is the text of a cell of the size column.
+
+namespace {
+
+std::optional<double> NumberOf(const std::string& text) {
+  static const std::regex Form(
+      R"([ \t]*([+-]?(?:\d+(?:,\d+)*(?:\.\d*)?|\.\d+)(?:[eE][+-]?\d+)?)[ \t]*)");
+  std::smatch found;
+  if (!std::regex_match(text, found, Form)) return std::nullopt;
+  std::string plain = found[1];
+  std::erase(plain, ',');
+  const double number = std::strtod(plain.c_str(), nullptr);
+  return std::isfinite(number) ? std::optional(number) : std::nullopt;
+}
+
+void RequireKeys(const std::vector<std::string>& cells) {
+  std::vector<std::pair<double, std::string>> keys;
+  for (const std::string& cell : cells) {
+    const std::optional<double> number = NumberOf(cell);
+    Require(platform::IsNumeric(cell) == number.has_value(), "what is a number");
+    Require(platform::CDbl(cell) == number.value_or(0), "the number's value");
+    Require(NumberKey(cell).empty() == !number, "a number has a key");
+    // The mask has twenty digits and ten decimals.
+    if (number && std::fabs(*number) < 1e20) keys.emplace_back(*number, NumberKey(cell));
+
+    platform::SYSTEMTIME date;
+    if (!platform::CDate(cell, date)) continue;
+    const std::string text = platform::Format(date, "YYYY-MM-DD HH:NN:SS");
+    Require(platform::CDate(text, date) && platform::Format(date, "YYYY-MM-DD HH:NN:SS") == text,
+            "a date that was read is one");
+  }
+  std::sort(keys.begin(), keys.end(), [](auto& a, auto& b) { return a.first < b.first; });
+  for (std::size_t i = 1; i < keys.size(); ++i) {
+    const bool equal = keys[i].first - keys[i - 1].first < 1e-9;
+    Require(equal ? keys[i - 1].second <= keys[i].second : keys[i - 1].second < keys[i].second,
+            "keys order as their numbers");
+  }
+}
+
+void RequireRestored(const std::vector<std::string>& cells, int kind, bool ascending) {
+  static auto& form = *new platform::Form(
+      {.Name = "Lists", .Caption = "", .ClientWidth = 9000, .ClientHeight = 6000});
+  static auto& list = *new platform::ListView(form, {}, CookieColumns);
+  list.Clear();
+  platform::SYSTEMTIME last{.wYear = 1899, .wMonth = 12, .wDay = 30};
+  std::vector<std::string> keys;
+  for (const std::string& cell : cells) {
+    platform::ListView::ListItem row = list.Add(std::to_string(keys.size()));
+    row.SubItems(FileSizeCell, cell);
+    row.Tag("tag");
+    keys.push_back(kind == SortNumber ? NumberKey(cell) : DateKey(cell, last));
+  }
+  SortListView(list, FileSizeCell + 1, kind, ascending);
+
+  std::vector<std::string> order;
+  for (int position = 1; position <= list.Count(); ++position) {
+    const platform::ListView::ListItem row = list.Item(position);
+    const std::size_t added = std::stoul(row.Text());
+    Require(row.SubItems(FileSizeCell) == cells.at(added) && row.Tag() == "tag", "texts are back");
+    order.push_back(keys.at(added));
+  }
+  std::sort(keys.begin(), keys.end());
+  if (!ascending) std::reverse(keys.begin(), keys.end());
+  Require(order == keys, "rows stand in the order of their keys");
+}
+
+}  // namespace
+
+/// The leak detector does not look where the toolkit keeps its fonts.
+extern "C" const char* __asan_default_options() { return "detect_leaks=0"; }
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+  static const Sandbox sandbox;
+  static int argc = 0;
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  [[maybe_unused]] static auto& application = *new QApplication(argc, nullptr);
+
+  std::vector<std::string> cells = Split(AsText(data, size), '\n');
+  if (cells.size() > 20) cells.resize(20);
+  for (std::string& cell : cells) {
+    std::erase(cell, '\0');                   // Divides text and tag while keys stand in the cells.
+    if (cell.size() > 400) cell.resize(400);  // The regular expression goes as deep as that.
+  }
+  RequireKeys(cells);
+  RequireRestored(cells, SortNumber, true);
+  RequireRestored(cells, SortNumber, false);
+  RequireRestored(cells, SortDate, true);
+  return 0;
+}

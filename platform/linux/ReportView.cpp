@@ -73,6 +73,17 @@ class RowSelection : public QItemSelectionModel {
     QItemSelection rows;
     const int lastColumn = model()->columnCount() - 1;
     for (const QItemSelectionRange& range : ranges) {
+/// Tells of the second of two quick clicks as well, and of the left button alone.
+class ColumnHeaders : public QHeaderView {
+ public:
+  explicit ColumnHeaders(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {}
+
+ protected:
+  void mouseDoubleClickEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::LeftButton) QHeaderView::mouseDoubleClickEvent(event);
+  }
+};
+
       rows.append(QItemSelectionRange(model()->index(range.top(), 0),
                                       model()->index(range.bottom(), lastColumn)));
     }
@@ -121,6 +132,7 @@ ReportView::ReportView(QWidget* parent, ListView& owner, const std::vector<Colum
   setSelectionMode(ExtendedSelection);
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
+  setHeader(new ColumnHeaders(this));
   setVerticalScrollMode(ScrollPerItem);
   setHorizontalScrollMode(ScrollPerPixel);
   setTabKeyNavigation(false);
@@ -136,11 +148,15 @@ void ReportView::SetUpHeader(const std::vector<ColumnHeader>& columns) {
   for (std::size_t i = 0; i < columns.size(); ++i) {
     header()->resizeSection(static_cast<int>(i), ToPixels(columns[i].Width));
   }
-  connect(header(), &QHeaderView::sectionClicked, this, [this](int column) {
-    Settle();
-    ShowSortArrow();  // the header has turned its arrow by itself
-    if (owner_.ColumnClick) owner_.ColumnClick(column + 1);
-  });
+  connect(header(), &QHeaderView::sectionClicked, this, &ReportView::RaiseColumnClick);
+  connect(header(), &QHeaderView::sectionDoubleClicked, this, &ReportView::RaiseColumnClick);
+}
+
+void ReportView::RaiseColumnClick(int column) {
+  if (column < 0) return;  // beside the last one
+  Settle();
+  ShowSortArrow();  // the header has turned its arrow by itself
+  if (owner_.ColumnClick) owner_.ColumnClick(column + 1);
 }
 
 // --- Rows --------------------------------------------------------------------------------------

@@ -68,6 +68,7 @@ class ReportView : public QTreeView {
 
  private:
   void SetUpHeader(const std::vector<ColumnHeader>& columns);
+  void RaiseColumnClick(int column);
   void SettleLater();
   /// Puts rows into a new order, or drops some; selection, current row and sideways scroll position
   /// follow. `top` is the row then on top.

@@ -503,8 +503,10 @@ void ReportView::SelectUnder(const QMouseEvent& event) {
   const QModelIndex index = indexAt(event.position().toPoint());
   if (!index.isValid()) return;
   if (!IsSelected(index.row())) {
-    selectionModel()->select(index,
-                             QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    // As the left button would, so that a range can be drawn up from here.
+    QMouseEvent left(QEvent::MouseButtonPress, event.position(), event.globalPosition(),
+                     Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    QTreeView::mousePressEvent(&left);
   }
   MakeCurrent(index.row(), index.column());
 }
@@ -517,10 +519,9 @@ void ReportView::mouseReleaseEvent(QMouseEvent* event) {
 void ReportView::mouseDoubleClickEvent(QMouseEvent* event) {
   if (event->button() == Qt::RightButton) return SelectUnder(*event);
   QTreeView::mouseDoubleClickEvent(event);
-  const bool onRow = indexAt(event->position().toPoint()).isValid();
   // The rows may have changed between the two clicks, and taken the first one's selection along.
-  if (onRow && event->modifiers() == Qt::NoModifier) SelectUnder(*event);
-  if (onRow && event->button() == Qt::LeftButton && owner_.DblClick) owner_.DblClick();
+  if (event->modifiers() == Qt::NoModifier) SelectUnder(*event);
+  if (event->button() == Qt::LeftButton && owner_.DblClick) owner_.DblClick();
 }
 
 void ReportView::contextMenuEvent(QContextMenuEvent* event) {

@@ -277,7 +277,13 @@ int ListViewModel::columnCount(const QModelIndex& parent) const {
 
 QVariant ListViewModel::data(const QModelIndex& index, int role) const {
   if (!index.isValid()) return {};
-  if (role == Qt::DisplayRole) return DisplayText(Cell(index.row(), index.column()));
+  const std::string_view cell = Cell(index.row(), index.column());
+  if (role == Qt::AccessibleTextRole) return DisplayText(cell);
+  if (role == Qt::DisplayRole) {
+    // A character has three bytes at most, or four for two; one more may be cut in two.
+    constexpr std::size_t MostBytes = 3 * (MostShown + 1);
+    return DisplayText(cell.substr(0, MostBytes)).left(MostShown);
+  }
   if (role != Qt::TextAlignmentRole) return {};
   return QVariant::fromValue(columns_[static_cast<std::size_t>(index.column())].Alignment);
 }

@@ -46,6 +46,10 @@ class ListViewModel : public QAbstractTableModel {
  public:
   ListViewModel(const std::vector<ColumnHeader>& columns, QObject* parent);
 
+  /// Characters of a cell that are shown: laying out a text takes time by its length. Whole texts
+  /// are read as `Qt::AccessibleTextRole`.
+  static constexpr int MostShown = 2000;
+
   /// The number of the cell behind the last column: a row's tag.
   int TagCell() const { return static_cast<int>(columns_.size()); }
 

@@ -32,13 +32,6 @@ class CellDelegate : public QStyledItemDelegate {
     const QSize size = QStyledItemDelegate::sizeHint(option, index);
     return {size.width(), ReportView::RowHeight(option.fontMetrics)};
   }
-
- protected:
-  void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override {
-    QStyledItemDelegate::initStyleOption(option, index);
-    constexpr int WidestText = 2000;  // laying out a text takes time by its length
-    option->text.truncate(WidestText);
-  }
 };
 
 /// After a sort a selection can consist of very many ranges. To find out what changed, the toolkit
@@ -73,6 +66,13 @@ class RowSelection : public QItemSelectionModel {
     QItemSelection rows;
     const int lastColumn = model()->columnCount() - 1;
     for (const QItemSelectionRange& range : ranges) {
+      rows.append(QItemSelectionRange(model()->index(range.top(), 0),
+                                      model()->index(range.bottom(), lastColumn)));
+    }
+    return rows;
+  }
+};
+
 /// Tells of the second of two quick clicks as well, and of the left button alone.
 class ColumnHeaders : public QHeaderView {
  public:
@@ -81,13 +81,6 @@ class ColumnHeaders : public QHeaderView {
  protected:
   void mouseDoubleClickEvent(QMouseEvent* event) override {
     if (event->button() == Qt::LeftButton) QHeaderView::mouseDoubleClickEvent(event);
-  }
-};
-
-      rows.append(QItemSelectionRange(model()->index(range.top(), 0),
-                                      model()->index(range.bottom(), lastColumn)));
-    }
-    return rows;
   }
 };
 
@@ -132,7 +125,6 @@ ReportView::ReportView(QWidget* parent, ListView& owner, const std::vector<Colum
   setSelectionMode(ExtendedSelection);
   setSelectionBehavior(SelectRows);
   setEditTriggers(NoEditTriggers);
-  setHeader(new ColumnHeaders(this));
   setVerticalScrollMode(ScrollPerItem);
   setHorizontalScrollMode(ScrollPerPixel);
   setTabKeyNavigation(false);
@@ -140,6 +132,7 @@ ReportView::ReportView(QWidget* parent, ListView& owner, const std::vector<Colum
 }
 
 void ReportView::SetUpHeader(const std::vector<ColumnHeader>& columns) {
+  setHeader(new ColumnHeaders(this));
   header()->setStretchLastSection(false);
   header()->setSectionsMovable(true);
   header()->setFirstSectionMovable(true);
@@ -425,7 +418,8 @@ void ReportView::DrawGrid() {
 bool ReportView::ShowToolTip(const QPoint& at, const QPoint& global) {
   const QModelIndex index = indexAt(at);
   const QRect cell = visualRect(index);
-  const QString text = index.data().toString();
+  QString text = index.data().toString();
+  if (text.size() == ListViewModel::MostShown) text += QChar(u'\u2026');
   const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
   if (!index.isValid() || fontMetrics().horizontalAdvance(text) <= cell.width() - 2 * margin) {
     QToolTip::hideText();
@@ -553,7 +547,8 @@ void ReportView::CopySelected() const {
     if (!IsSelected(row)) continue;
     for (int place = 0; place < header()->count(); ++place) {
       if (place != 0) text += '\t';
-      text += rows_->index(row, header()->logicalIndex(place)).data().toString();
+      const QModelIndex cell = rows_->index(row, header()->logicalIndex(place));
+      text += cell.data(Qt::AccessibleTextRole).toString();
     }
     text += '\n';
   }

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 #include <QAbstractButton>
 #include <QAccessibleWidget>
@@ -11,6 +12,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
@@ -20,10 +22,13 @@
 #include <QStyleOptionTabWidgetFrame>
 #include <QStylePainter>
 #include <QTabBar>
+#include <QTextBlock>
+#include <QTextOption>
 #include <QTimer>
 
 #include "platform/Forms.h"
 #include "platform/linux/FormWidget.h"
+#include "platform/linux/ListText.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {
@@ -232,7 +237,7 @@ class LineEdit : public QLineEdit {
 
 NativeWidget* NewTextBox(Container& parent, TextBox& owner, TextBox::Kind kind) {
   if (kind == TextBox::Kind::OneLine) return Native(new LineEdit(Widget(parent), owner));
-  auto* edit = new QPlainTextEdit(Widget(parent));
+  auto* edit = new LinesEdit(Widget(parent));
   edit->setLineWrapMode(QPlainTextEdit::NoWrap);
   edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
@@ -247,7 +252,63 @@ TextBox::TextBox(Container& parent, const Design& design, Kind kind)
 
 std::string TextBox::Text() const {
   if (const auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) return ToText(line->text());
-  return ToText(static_cast<QPlainTextEdit*>(Widget(*this))->toPlainText());
+  return ToText(static_cast<LinesEdit*>(Widget(*this))->Lines());
+/// Lines of any length. The toolkit takes time and memory by the length of each block of text in
+/// sight, so a line much longer than any browser's cookie goes on in the next block, which shows as
+/// a line of its own; reading and copying give it in one.
+class LinesEdit : public QPlainTextEdit {
+ public:
+  using QPlainTextEdit::QPlainTextEdit;
+
+  void SetLines(const QString& text) {
+    constexpr int MostInBlock = 5000;
+    QString blocks;
+    blocks.reserve(text.size() + text.size() / MostInBlock);
+    std::vector<int> goingOn;
+    int block = 0;
+    int length = 0;
+    for (const QChar character : text) {
+      const bool endsLine = character == u'\n';
+      if (length >= MostInBlock && !endsLine && !character.isLowSurrogate()) {
+        goingOn.push_back(block++);
+        blocks += u'\n';
+        length = 0;
+      }
+      blocks += character;
+      ++length;
+      if (!endsLine) continue;
+      ++block;
+      length = 0;
+    }
+    setPlainText(blocks);
+    for (const int each : goingOn) document()->findBlockByNumber(each).setUserState(GoesOn);
+  }
+
+  QString Lines() const { return Between(0, document()->characterCount() - 1); }
+
+ protected:
+  QMimeData* createMimeDataFromSelection() const override {
+    auto* lines = new QMimeData;
+    lines->setText(Between(textCursor().selectionStart(), textCursor().selectionEnd()));
+    return lines;
+  }
+
+ private:
+  static constexpr int GoesOn = 1;
+
+  QString Between(int begin, int end) const {
+    QString text;
+    QTextBlock block = document()->findBlock(begin);
+    for (; block.isValid() && block.position() < end; block = block.next()) {
+      const int first = std::max(0, begin - block.position());
+      text += block.text().mid(first, end - block.position() - first);
+      const bool isWhole = block.position() + block.length() <= end;
+      if (isWhole && block.userState() != GoesOn) text += u'\n';
+    }
+    return text;
+  }
+};
+
 }
 
 void TextBox::Text(std::string_view text) {
@@ -255,7 +316,7 @@ void TextBox::Text(std::string_view text) {
     line->setText(FromText(text));
     line->setCursorPosition(0);
   } else {
-    static_cast<QPlainTextEdit*>(Widget(*this))->setPlainText(FromText(text));
+    static_cast<LinesEdit*>(Widget(*this))->SetLines(DisplayLines(text));
   }
 }
 
@@ -263,7 +324,7 @@ void TextBox::Locked(bool readOnly) {
   if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
     line->setReadOnly(readOnly);
   } else {
-    static_cast<QPlainTextEdit*>(Widget(*this))->setReadOnly(readOnly);
+    static_cast<LinesEdit*>(Widget(*this))->setReadOnly(readOnly);
   }
 }
 

@@ -10,4 +10,7 @@ namespace platform {
 /// and line breaks become their pictures.
 QString DisplayText(std::string_view bytes);
 
+/// The same for a text of several lines: their ends are kept, each as LF, and so are tabs.
+QString DisplayLines(std::string_view bytes);
+
 }  // namespace platform

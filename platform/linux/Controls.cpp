@@ -235,24 +235,6 @@ class LineEdit : public QLineEdit {
   TextBox& owner_;
 };
 
-NativeWidget* NewTextBox(Container& parent, TextBox& owner, TextBox::Kind kind) {
-  if (kind == TextBox::Kind::OneLine) return Native(new LineEdit(Widget(parent), owner));
-  auto* edit = new LinesEdit(Widget(parent));
-  edit->setLineWrapMode(QPlainTextEdit::NoWrap);
-  edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-  edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
-  edit->setTabChangesFocus(true);
-  return Native(edit);
-}
-
-}  // namespace
-
-TextBox::TextBox(Container& parent, const Design& design, Kind kind)
-    : Control(parent, design, NewTextBox(parent, *this, kind)) {}
-
-std::string TextBox::Text() const {
-  if (const auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) return ToText(line->text());
-  return ToText(static_cast<LinesEdit*>(Widget(*this))->Lines());
 /// Lines of any length. The toolkit takes time and memory by the length of each block of text in
 /// sight, so a line much longer than any browser's cookie goes on in the next block, which shows as
 /// a line of its own; reading and copying give it in one.
@@ -327,6 +309,24 @@ void TextBox::Locked(bool readOnly) {
     static_cast<LinesEdit*>(Widget(*this))->setReadOnly(readOnly);
   }
 }
+NativeWidget* NewTextBox(Container& parent, TextBox& owner, TextBox::Kind kind) {
+  if (kind == TextBox::Kind::OneLine) return Native(new LineEdit(Widget(parent), owner));
+  auto* edit = new LinesEdit(Widget(parent));
+  edit->setLineWrapMode(QPlainTextEdit::NoWrap);
+  edit->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  edit->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  edit->setTabChangesFocus(true);
+  return Native(edit);
+}
+
+}  // namespace
+
+TextBox::TextBox(Container& parent, const Design& design, Kind kind)
+    : Control(parent, design, NewTextBox(parent, *this, kind)) {}
+
+std::string TextBox::Text() const {
+  if (const auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) return ToText(line->text());
+  return ToText(static_cast<LinesEdit*>(Widget(*this))->Lines());
 
 // --- Label -----------------------------------------------------------------------------------
 
@@ -375,7 +375,11 @@ class LabelWidget : public QLabel {
   void showEvent(QShowEvent* event) override;
 
   void paintEvent(QPaintEvent* event) override {
-    QLabel::paintEvent(event);
+    if (wordWrap()) {
+      PaintWrapped();
+    } else {
+      QLabel::paintEvent(event);
+    }
     if (!hasFocus()) return;
     QStylePainter painter(this);
     QStyleOptionFocusRect option;
@@ -402,6 +406,15 @@ class AccessibleLink : public QAccessibleWidget {
   QString text(QAccessible::Text kind) const override {
     return kind == QAccessible::Name ? label_.text() : QAccessibleWidget::text(kind);
   }
+  /// The toolkit's own label breaks no word that is too long for a line.
+  void PaintWrapped() {
+    QTextOption option(alignment());
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    painter.drawText(QRectF(rect()), text(), option);
+  }
+
 
   QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
 

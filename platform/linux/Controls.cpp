@@ -109,6 +109,8 @@ int Control::Top() const {
 int Control::Width() const {
   const QWidget* widget = Widget(*this);
   return ToTwips(widget->width()) + (widget->isWindow() ? FrameWidth : 0);
+  // What the pointer does on a control is no event of the window that lies below.
+  widget->setAttribute(Qt::WA_NoMousePropagation);
 }
 
 int Control::Height() const {

@@ -20,7 +20,8 @@ class Container;
 class Form;
 struct NativeWidget;  // the toolkit's own object; opaque above the platform
 
-/// Colours are 0xRRGGBB; with the high bit set they are the desktop theme's and follow it.
+/// Colours are 0xRRGGBB; with the high bit set they are the desktop theme's. A `BackColor` of that
+/// kind follows a change of theme.
 inline constexpr std::uint32_t vbScrollBars = 0x80000000;
 inline constexpr std::uint32_t vbTitleBarText = 0x80000009;
 
@@ -320,7 +321,8 @@ bool AppActivate(const std::string& title);
 
 inline constexpr std::int32_t HWND_TOPMOST = -1;
 
-/// Puts a window into the topmost band, at a place and size in pixels, frame included.
+/// Puts a window into the topmost band, at a place and size in pixels, frame included; one of fixed
+/// size keeps it. `flags` are 0. Returns 0 when nothing was done.
 int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int cx, int cy,
                  std::uint32_t flags);
 

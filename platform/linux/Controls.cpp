@@ -62,7 +62,31 @@ QColor ThemeColour(std::uint32_t colour, const QWidget* widget) {
   }
 }
 
+constexpr std::uint32_t ThemeBit = 0x80000000;
+constexpr const char* ThemeColourOfBack = "themeColourOfBack";
+
+void PaintBack(QWidget& widget, std::uint32_t colour) {
+  const QColor wanted = ThemeColour(colour, &widget);
+  widget.setAutoFillBackground(true);
+  const QWidget* holder = widget.parentWidget();
+  const QPalette inherited = holder ? holder->palette() : QPalette();
+  if (inherited.color(widget.backgroundRole()).rgb() == wanted.rgb()) {
+    widget.setPalette(QPalette());  // the colour of what holds it: follows a change of theme
+    return;
+  }
+  QPalette palette = widget.palette();
+  palette.setColor(widget.backgroundRole(), wanted);
+  widget.setPalette(palette);
+}
+
 }  // namespace
+
+void RenewThemeColours(const QWidget& window) {
+  for (QWidget* widget : window.findChildren<QWidget*>()) {
+    const QVariant colour = widget->property(ThemeColourOfBack);
+    if (colour.isValid()) PaintBack(*widget, colour.toUInt());
+  }
+}
 
 Control* ControlByHandle(std::uint32_t handle) { return Handles().value(handle, nullptr); }
 
@@ -85,6 +109,8 @@ Control::Control(Container& parent, const Design& design, NativeWidget* native) 
   QWidget* widget = Widget(native);
   widget->setObjectName(design.Name);
   widget->setAccessibleName(design.AccessibleName);
+  // What the pointer does on a control is no event of the window that lies below.
+  widget->setAttribute(Qt::WA_NoMousePropagation);
   Move(design.At);
   if (design.TabIndex >= 0) {
     static_cast<FormWidget*>(Widget(parent)->window())->AddTabStop(design.TabIndex, widget);
@@ -109,8 +135,6 @@ int Control::Top() const {
 int Control::Width() const {
   const QWidget* widget = Widget(*this);
   return ToTwips(widget->width()) + (widget->isWindow() ? FrameWidth : 0);
-  // What the pointer does on a control is no event of the window that lies below.
-  widget->setAttribute(Qt::WA_NoMousePropagation);
 }
 
 int Control::Height() const {
@@ -158,17 +182,9 @@ std::uint32_t Control::BackColor() const {
 
 void Control::BackColor(std::uint32_t colour) {
   QWidget* widget = Widget(*this);
-  const QColor wanted = ThemeColour(colour, widget);
-  widget->setAutoFillBackground(true);
-  const QWidget* holder = widget->parentWidget();
-  const QPalette inherited = holder ? holder->palette() : QPalette();
-  if (inherited.color(widget->backgroundRole()).rgb() == wanted.rgb()) {
-    widget->setPalette(QPalette());  // the colour of what holds it: follows a change of theme
-    return;
-  }
-  QPalette palette = widget->palette();
-  palette.setColor(widget->backgroundRole(), wanted);
-  widget->setPalette(palette);
+  const bool isTheme = (colour & ThemeBit) != 0;
+  widget->setProperty(ThemeColourOfBack, isTheme ? QVariant(colour) : QVariant());
+  PaintBack(*widget, colour);
 }
 
 void Control::ForeColor(std::uint32_t colour) {
@@ -293,24 +309,6 @@ class LinesEdit : public QPlainTextEdit {
   }
 };
 
-}
-
-void TextBox::Text(std::string_view text) {
-  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
-    line->setText(FromText(text));
-    line->setCursorPosition(0);
-  } else {
-    static_cast<LinesEdit*>(Widget(*this))->SetLines(DisplayLines(text));
-  }
-}
-
-void TextBox::Locked(bool readOnly) {
-  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
-    line->setReadOnly(readOnly);
-  } else {
-    static_cast<LinesEdit*>(Widget(*this))->setReadOnly(readOnly);
-  }
-}
 NativeWidget* NewTextBox(Container& parent, TextBox& owner, TextBox::Kind kind) {
   if (kind == TextBox::Kind::OneLine) return Native(new LineEdit(Widget(parent), owner));
   auto* edit = new LinesEdit(Widget(parent));
@@ -329,6 +327,24 @@ TextBox::TextBox(Container& parent, const Design& design, Kind kind)
 std::string TextBox::Text() const {
   if (const auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) return ToText(line->text());
   return ToText(static_cast<LinesEdit*>(Widget(*this))->Lines());
+}
+
+void TextBox::Text(std::string_view text) {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
+    line->setText(FromText(text));
+    line->setCursorPosition(0);
+  } else {
+    static_cast<LinesEdit*>(Widget(*this))->SetLines(DisplayLines(text));
+  }
+}
+
+void TextBox::Locked(bool readOnly) {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
+    line->setReadOnly(readOnly);
+  } else {
+    static_cast<LinesEdit*>(Widget(*this))->setReadOnly(readOnly);
+  }
+}
 
 // --- Label -----------------------------------------------------------------------------------
 
@@ -390,6 +406,15 @@ class LabelWidget : public QLabel {
   }
 
  private:
+  /// The toolkit's own label breaks no word that is too long for a line.
+  void PaintWrapped() {
+    QTextOption option(alignment());
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+    QPainter painter(this);
+    painter.setPen(palette().color(foregroundRole()));
+    painter.drawText(QRectF(rect()), text(), option);
+  }
+
   void SetStretch(int percent) {
     QFont narrowed = font();
     narrowed.setStretch(percent);
@@ -408,15 +433,6 @@ class AccessibleLink : public QAccessibleWidget {
   QString text(QAccessible::Text kind) const override {
     return kind == QAccessible::Name ? label_.text() : QAccessibleWidget::text(kind);
   }
-  /// The toolkit's own label breaks no word that is too long for a line.
-  void PaintWrapped() {
-    QTextOption option(alignment());
-    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
-    QPainter painter(this);
-    painter.setPen(palette().color(foregroundRole()));
-    painter.drawText(QRectF(rect()), text(), option);
-  }
-
 
   QStringList actionNames() const override { return {pressAction(), setFocusAction()}; }
 

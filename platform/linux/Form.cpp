@@ -119,6 +119,7 @@ void FormWidget::ComeUp() {
     if (form_) form_->Form_FirstShow();
     ApplyTabOrder();
   }
+  if (event->type() == QEvent::PaletteChange) RenewThemeColours(*this);
   // Window managers forget it of a window that leaves the screen.
   if (!inTaskbar_ && !isVisible()) LeaveTaskbar(static_cast<xcb_window_t>(winId()));
   show();
@@ -298,9 +299,10 @@ bool AppActivate(const std::string& title) {
   return true;
 }
 
-int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int, int, std::uint32_t) {
-  const Control* control = ControlByHandle(window);
-  if (!control || after != HWND_TOPMOST) return 0;
+int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int cx, int cy,
+                 std::uint32_t flags) {
+  Control* control = ControlByHandle(window);
+  if (!control || after != HWND_TOPMOST || flags != 0) return 0;
   QWidget* widget = Widget(*control);
   widget->setWindowFlag(Qt::WindowStaysOnTopHint);
   widget->move(QPoint(x, y) + Origin(*widget));
@@ -308,3 +310,5 @@ int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int, in
 }
 
 }  // namespace platform
+  control->Width(ToTwips(cx));
+  control->Height(ToTwips(cy));

@@ -51,6 +51,9 @@ Control* ControlByHandle(std::uint32_t handle);
 /// The picture that `Image::Picture` numbered; a null icon for none.
 QIcon PictureByHandle(std::uint32_t handle);
 
+/// Gives the controls of a window the theme's present colours where they have colours of the theme.
+void RenewThemeColours(const QWidget& window);
+
 /// A colour that stays readable as text on `background`: `wanted`, or a lighter shade of it.
 QColor ReadableOn(const QColor& wanted, const QColor& background);
 

@@ -253,7 +253,9 @@ class Form : public Container {
 
   /// Raises `Form_Load`, once in the window's life.
   void Load();
-  /// Loads the window if need be and shows it, not modally. Owned windows stay above their owner.
+  /// Loads the window if need be and shows it, not modally; one that shows already comes to the
+  /// front. An owned window without a minimise button stays above its owner, provided that the
+  /// owner is on the screen; one with such a button goes its own ways.
   void Show(const Form* owner = nullptr);
   void Hide();
   /// Closes the window for good. A window given to `ShowNew` is then freed, once no procedure of it
@@ -310,7 +312,8 @@ inline constexpr int IDYES = 6;
 inline constexpr int IDNO = 7;
 
 /// Shows a message box under the application's title and returns the button pressed. Runs events
-/// while it is open. The first button is the default; closing the box by its frame or Esc is "No".
+/// while it is open; the main window and those that it owns wait for the answer. The first button
+/// is the default; closing the box by its frame or Esc is "No".
 int MsgBox(const std::string& text, int flags);
 
 /// Brings the window's thread to the foreground.

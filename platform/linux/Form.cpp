@@ -25,7 +25,10 @@ namespace platform {
 namespace {
 
 Qt::WindowFlags Flags(const FormDesign& design) {
-  Qt::WindowFlags flags = design.ShowInTaskbar ? Qt::Window : Qt::Tool;
+  // Only of a dialog do window managers learn the owner.
+  Qt::WindowFlags flags = !design.ShowInTaskbar ? Qt::Tool
+                          : design.MinButton    ? Qt::Window
+                                                : Qt::Dialog;
   flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
            Qt::WindowCloseButtonHint;
   if (design.MinButton) flags |= Qt::WindowMinimizeButtonHint;
@@ -58,6 +61,16 @@ class FormReaper : public QObject {
 namespace {
 
 std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
+/// To the front; over it the question that is open, if any, which alone can be used then.
+void ComeForward(QWidget& window) {
+  window.raise();
+  window.activateWindow();
+  QWidget* question = QApplication::activeModalWidget();
+  if (!question || question == &window) return;
+  question->raise();
+  question->activateWindow();
+}
+
   static std::map<Form*, std::unique_ptr<Form>> forms;
   return forms;
 }
@@ -89,6 +102,7 @@ FormWidget::FormWidget(Form& form, const FormDesign& design)
   }
   setMouseTracking(true);
 }
+  if (!main_) main_ = this;
 
 void FormWidget::closeEvent(QCloseEvent* event) {
   // The window goes by Unload alone, so that Form_Unload always runs first.
@@ -123,7 +137,24 @@ void FormWidget::ComeUp() {
   // Window managers forget it of a window that leaves the screen.
   if (!inTaskbar_ && !isVisible()) LeaveTaskbar(static_cast<xcb_window_t>(winId()));
   show();
+  const bool isThere = isVisible() && (isMinimized() || windowHandle()->isExposed());
 }
+  if (testAttribute(Qt::WA_ShowWithoutActivating)) return;
+  if (isThere) {
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    ComeForward(*this);
+  }
+  BringOwnedBack();
+}
+
+void FormWidget::BringOwnedBack() const {
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (window->windowType() == Qt::Window || !window->isVisible() || !window->isMinimized() ||
+        window->windowHandle()->transientParent() != windowHandle()) {
+      continue;
+    }
+    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
+  }
 
 void FormWidget::ApplyTabOrder() {
   std::stable_sort(tabStops_.begin(), tabStops_.end(),
@@ -172,10 +203,14 @@ void Form::Load() {
 void Form::Show(const Form* owner) {
   Load();
   if (state_->Unloading) return;
-  QWidget* window = state_->Window;
-  if (owner) {
+  const QWidget* window = state_->Window;
+  if (owner && !window->isVisible()) {
+    const QWidget* holder = Widget(*owner);
+    // A window manager would keep a dialog off the screen together with its owner.
+    const bool isOwned =
+        window->windowType() != Qt::Dialog || (holder->isVisible() && !holder->isMinimized());
     window->winId();  // makes the native window, which alone can have an owner
-    window->windowHandle()->setTransientParent(Widget(*owner)->windowHandle());
+    window->windowHandle()->setTransientParent(isOwned ? holder->windowHandle() : nullptr);
   }
   if (state_->Design.ShowWithoutActivating) return PutOnPile(*state_->Window);
   state_->Window->ComeUp();
@@ -248,9 +283,7 @@ bool IsPopup(const QWidget& window) { return window.testAttribute(Qt::WA_ShowWit
 }  // namespace
 
 int MsgBox(const std::string& text, int flags) {
-  QWidget* parent = QApplication::activeWindow();
-  // A popup can close under the box.
-  if (parent && IsPopup(*parent)) parent = nullptr;
+  QWidget* parent = FormWidget::Main();
   QMessageBox box(parent);
   box.setWindowTitle(QCoreApplication::applicationName());
   box.setText(FromText(text));
@@ -262,7 +295,7 @@ int MsgBox(const std::string& text, int flags) {
     box.setDefaultButton(QMessageBox::Yes);
     box.setEscapeButton(QMessageBox::No);
   }
-  // Only the window that asks is blocked: popups that open meanwhile can be used.
+  // The main window and those that it owns are blocked. Popups can be used, and what they open.
   if (parent) box.setWindowModality(Qt::WindowModal);
   switch (box.exec()) {
     case QMessageBox::Yes:
@@ -280,8 +313,7 @@ int SetForegroundWindow(std::uint32_t window) {
   QWidget* widget = Widget(*control);
   // A request for one that is not on the screen would bring it there, now or later.
   if (!widget->isVisible() || widget->isMinimized()) return 0;
-  widget->raise();
-  widget->activateWindow();
+  ComeForward(*widget);
   return 1;
 }
 
@@ -294,8 +326,7 @@ bool AppActivate(const std::string& title) {
     if (!found || IsPopup(*found)) found = window;
   }
   if (!found) return false;
-  found->raise();
-  found->activateWindow();
+  ComeForward(*found);
   return true;
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include <QPointer>
 #include <QWidget>
 
 #include "platform/Forms.h"
@@ -22,8 +23,11 @@ class FormWidget : public QWidget {
 
   /// Notes a control's place in the tab order, over all containers of the window.
   void AddTabStop(int index, QWidget* widget);
-  /// Shows the window, complete with what it makes when it is shown for the first time.
+  /// Shows the window, complete with what it makes when it is shown for the first time. One that
+  /// is there already comes to the front.
   void ComeUp();
+  /// The program's first window, which is its main one; none before it is made.
+  static const QPointer<FormWidget>& Main() { return main_; }
   /// Events that come from now on go nowhere.
   void Forget() { form_ = nullptr; }
   Form* Owner() const { return form_; }
@@ -39,7 +43,10 @@ class FormWidget : public QWidget {
 
  private:
   void ApplyTabOrder();
+  /// Windows that window managers minimise together with this one.
+  void BringOwnedBack() const;
 
+  inline static QPointer<FormWidget> main_;
   Form* form_;
   bool inTaskbar_;
   bool cameUp_ = false;

@@ -3,6 +3,7 @@
 #include <map>
 #include <utility>
 
+#include <QAbstractEventDispatcher>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCursor>
@@ -60,7 +61,6 @@ class FormReaper : public QObject {
 
 namespace {
 
-std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
 /// To the front; over it the question that is open, if any, which alone can be used then.
 void ComeForward(QWidget& window) {
   window.raise();
@@ -71,6 +71,7 @@ void ComeForward(QWidget& window) {
   question->activateWindow();
 }
 
+std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
   static std::map<Form*, std::unique_ptr<Form>> forms;
   return forms;
 }
@@ -101,8 +102,8 @@ FormWidget::FormWidget(Form& form, const FormDesign& design)
     QApplication::setWindowIcon(QIcon(":/assets/quillmere.ico"));
   }
   setMouseTracking(true);
-}
   if (!main_) main_ = this;
+}
 
 void FormWidget::closeEvent(QCloseEvent* event) {
   // The window goes by Unload alone, so that Form_Unload always runs first.
@@ -118,6 +119,7 @@ void FormWidget::resizeEvent(QResizeEvent*) {
 
 void FormWidget::changeEvent(QEvent* event) {
   if (form_ && event->type() == QEvent::WindowStateChange) form_->Form_Resize();
+  if (event->type() == QEvent::PaletteChange) RenewThemeColours(*this);
   QWidget::changeEvent(event);
 }
 
@@ -133,12 +135,10 @@ void FormWidget::ComeUp() {
     if (form_) form_->Form_FirstShow();
     ApplyTabOrder();
   }
-  if (event->type() == QEvent::PaletteChange) RenewThemeColours(*this);
   // Window managers forget it of a window that leaves the screen.
   if (!inTaskbar_ && !isVisible()) LeaveTaskbar(static_cast<xcb_window_t>(winId()));
-  show();
   const bool isThere = isVisible() && (isMinimized() || windowHandle()->isExposed());
-}
+  show();
   if (testAttribute(Qt::WA_ShowWithoutActivating)) return;
   if (isThere) {
     setWindowState(windowState() & ~Qt::WindowMinimized);
@@ -155,6 +155,7 @@ void FormWidget::BringOwnedBack() const {
     }
     window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
   }
+}
 
 void FormWidget::ApplyTabOrder() {
   std::stable_sort(tabStops_.begin(), tabStops_.end(),
@@ -225,6 +226,8 @@ void Form::Unload() {
   if (std::exchange(state_->Unloading, true)) return;
   Form_Unload();
   Hide();
+  // Shown again, it starts with the keyboard at its first control.
+  if (QWidget* focused = state_->Window->focusWidget()) focused->clearFocus();
   state_->Unloading = false;
   state_->Loaded = false;
   if (!state_->KeptByFramework) return;
@@ -273,7 +276,12 @@ ScreenInfo Screen() {
 }
 
 void DoEvents() {
-  if (!ProcessEnds) QCoreApplication::processEvents();
+  // One pass leaves out what its own handlers set off, and all that has a lower rank.
+  constexpr int MostPasses = 20;
+  QAbstractEventDispatcher* events = QAbstractEventDispatcher::instance();
+  for (int pass = 0; pass < MostPasses && !ProcessEnds; ++pass) {
+    if (!events->processEvents(QEventLoop::AllEvents)) return;
+  }
 }
 
 namespace {
@@ -337,9 +345,9 @@ int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int cx,
   QWidget* widget = Widget(*control);
   widget->setWindowFlag(Qt::WindowStaysOnTopHint);
   widget->move(QPoint(x, y) + Origin(*widget));
+  control->Width(ToTwips(cx));
+  control->Height(ToTwips(cy));
   return 1;
 }
 
 }  // namespace platform
-  control->Width(ToTwips(cx));
-  control->Height(ToTwips(cy));

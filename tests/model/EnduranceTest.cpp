@@ -1,0 +1,177 @@
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <malloc.h>
+#include <string>
+
+#include <QApplication>
+#include <QMetaObject>
+#include <QWidget>
+#include <gtest/gtest.h>
+
+#include "core/PublicDim.h"
+#include "tests/CookieFolder.h"
+#include "tests/model/Yields.h"
+#include "ui/FormMain.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+#ifdef __SANITIZE_ADDRESS__
+constexpr bool MemoryTells = false;  // what is freed is kept back there
+#else
+constexpr bool MemoryTells = true;
+#endif
+
+/// What the process holds.
+struct Held {
+  long Kilobytes, Descriptors, Threads, Windows;
+
+  static Held Now() {
+    malloc_trim(0);
+    const auto count = [](const char* folder) {
+      return static_cast<long>(std::distance(fs::directory_iterator(folder), {}));
+    };
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    long kilobytes = 0;
+    while (status >> word && word != "VmRSS:") continue;
+    status >> kilobytes;
+    return {kilobytes, count("/proc/self/fd"), count("/proc/self/task"),
+            static_cast<long>(QApplication::topLevelWidgets().size())};
+  }
+
+  friend std::ostream& operator<<(std::ostream& out, const Held& held) {
+    return out << held.Kilobytes << " KB, " << held.Descriptors << " descriptors, " << held.Threads
+               << " threads, " << held.Windows << " windows";
+  }
+};
+
+/// The program's work over and over, each piece an event in a yield of the watch, as the user's
+/// are.
+class Month {
+ public:
+  Month() {
+    fs::create_directories(folder_.Path("quillmere/cookies"));
+    qputenv("XDG_DATA_HOME", folder_.Path("").parent_path().c_str());
+  }
+
+  /// `changes` files added or removed; a third of the rounds ends a watch and begins one.
+  void Go(int changes) {
+    rounds_ = changes / FilesARound;
+    InYield = [this] {
+      if (done_) return;
+      QMetaObject::invokeMethod(
+          qApp, [this] { Turn(); }, Qt::QueuedConnection);
+    };
+    form_.Load();
+    while (!done_) platform::DoEvents();
+    InYield = nullptr;
+  }
+
+  Held Warm{}, After{};
+  long LogKilobytes = 0;  ///< What the on-screen log gained in between.
+  int Reports = 0, Rebuilds = 0, Starts = 0, Popups = 0, Details = 0;
+
+ private:
+  static constexpr int FilesARound = 10;
+
+  void Turn() {
+    if (PublicDim.ScanRunning || done_ || busy_) return;
+    if (PublicDim.WatchHandle == 0) return Start();
+    busy_ = true;
+    Work(turn_++ % 6);
+    if (turn_ % 6 == 0) EndRound(turn_ / 6);
+    busy_ = false;
+  }
+
+  void EndRound(int round) {
+    if (round == rounds_ / 5) Look(Warm);
+    if (round >= rounds_) Look(After);
+    done_ = round >= rounds_;
+    if (round % 3 == 0 || done_) form_.CmdStop.Click();
+  }
+
+  /// Comes while the old watch is still on the stack, or after it, as the yields have it.
+  void Start() {
+    if (!form_.CmdStart.Enabled()) return;
+    ++Starts;
+    form_.CmdStart.Click();
+  }
+
+  void Work(int turn) {
+    const int round = turn_ / 6;
+    if (turn == 0) return Change(round % 2 == 0);
+    if (turn == 3) {
+      form_.TimerCompare.Tick();
+      form_.TimerCookie.Tick();
+      Rebuilds += form_.ListVCookie.Count() == (round % 2 == 0 ? FilesARound : 0) ? 1 : 0;
+      form_.ListVCookie.ColumnClick(1 + round % 7);
+      form_.CmdSearch.Click();
+      form_.ListVCookie.DblClick();
+    }
+    if (turn == 4) CloseWindows();
+  }
+
+  void Change(bool appear) const {
+    for (int i = 0; i < FilesARound; ++i) {
+      const fs::path file = folder_.Path("quillmere/cookies/f" + std::to_string(i) + ".txt");
+      if (!appear) {
+        fs::remove(file);
+      } else {
+        std::ofstream(file) << Record("password" + std::to_string(i), "v", "s/");
+      }
+    }
+  }
+
+  void CloseWindows() {
+    for (QWidget* window : QApplication::topLevelWidgets()) {
+      const bool popup = window->objectName() == "FormMsg";
+      const bool detail = window->objectName() == "FormView";
+      Popups += popup ? 1 : 0;
+      Details += detail ? 1 : 0;
+      if (popup || detail) window->close();
+    }
+  }
+
+  void Look(Held& held) {
+    for (; Reports < form_.ListLog.ListCount(); ++Reports) {
+      logBytes_ += static_cast<long>(form_.ListLog.List(Reports).size() + 2 * sizeof(std::size_t));
+    }
+    LogKilobytes = logBytes_ / 1024 - LogKilobytes;
+    held = Held::Now();
+    std::cout << Reports << " reports, " << Rebuilds << " rebuilds, " << Starts << " starts, "
+              << Popups << " popups, " << Details << " detail windows: " << held << std::endl;
+  }
+
+  CookieFolder folder_;
+  FormMain form_;
+  int rounds_ = 0;
+  int turn_ = 0;
+  long logBytes_ = 0;
+  bool done_ = false;
+  bool busy_ = false;
+};
+
+// ENDURANCE_CHANGES=100000 is the work of a month.
+TEST(Endurance, HoldsNoMoreAfterAMonthsWork) {
+  const char* const asked = std::getenv("ENDURANCE_CHANGES");
+  const int changes = asked != nullptr ? std::atoi(asked) : 2000;
+  Month month;
+  month.Go(changes);
+  EXPECT_EQ(month.Reports, changes);
+  EXPECT_EQ(month.Rebuilds, changes / 10);
+  EXPECT_EQ(month.Popups, changes);
+  EXPECT_EQ(month.After.Descriptors, month.Warm.Descriptors);
+  EXPECT_EQ(month.After.Threads, month.Warm.Threads);
+  EXPECT_EQ(month.After.Windows, month.Warm.Windows);
+  std::cout << "the log's own lines: " << month.LogKilobytes << " KB" << std::endl;
+  if (!MemoryTells) return;
+  constexpr long Kilobytes = 1500;
+  EXPECT_LT(month.After.Kilobytes, month.Warm.Kilobytes + month.LogKilobytes + Kilobytes);
+}
+
+}  // namespace

@@ -1,0 +1,235 @@
+#include "tests/model/Model.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <sys/stat.h>
+
+namespace model {
+namespace {
+
+void ReplaceAll(std::string& text, const std::string& what, const std::string& by) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != std::string::npos; at += by.size()) {
+    text.replace(at, what.size(), by);
+  }
+}
+
+std::string Date(std::time_t seconds, const char* form) {
+  std::tm fields{};
+  gmtime_r(&seconds, &fields);
+  std::array<char, 40> text{};
+  std::strftime(text.data(), text.size(), form, &fields);
+  return text.data();
+}
+
+std::string Grouped(std::string digits) {
+  if (digits == "0") return "";
+  for (std::size_t i = digits.size(); i > 3;) digits.insert(i -= 3, ",");
+  return digits;
+}
+
+std::string Expiry(const std::string& highWord) {
+  const double number = std::strtod(highWord.c_str(), nullptr);
+  constexpr double SecondsAStep = 429.4967296;
+  const double seconds = number * SecondsAStep - 11'644'473'600;
+  constexpr double Year10000 = 253'402'300'800;
+  return number < 0 || seconds >= Year10000
+             ? "-"
+             : Date(static_cast<std::time_t>(std::floor(seconds)), "%Y-%m-%d");
+}
+
+/// As the old code page has it; of its upper bytes the files here have only such as are their own
+/// number.
+std::string FromCodePage(const std::string& bytes) {
+  if (bytes.find("\xE9\n") == std::string::npos) return bytes;
+  std::string text;
+  for (const char c : bytes) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x80) {
+      text += c;
+    } else {
+      text += static_cast<char>(byte < 0xC0 ? 0xC2 : 0xC3);
+      text += static_cast<char>(byte & 0xBF);
+    }
+  }
+  return text;
+}
+
+std::vector<Row> RowsOf(const std::string& folder, const File& file) {
+  std::ifstream stream(folder + file[0], std::ios::binary);
+  std::string text{std::istreambuf_iterator<char>(stream), {}};
+  text = FromCodePage(text.substr(0, text.find('\r')));
+  std::istringstream split(text);
+  std::vector<std::string> lines;
+  for (std::string line; std::getline(split, line);) lines.push_back(line);
+  std::vector<Row> rows;
+  for (std::size_t at = 0; at + 9 <= lines.size(); at += 9) {
+    std::string server = lines[at + 2];
+    if (server.ends_with('/')) server.pop_back();
+    rows.push_back(
+        {{server, Expiry(lines[at + 5]), lines[at], lines[at + 1], file[0], file[1], file[2]}});
+  }
+  return rows;
+}
+
+std::string OneLine(const std::string& name) {
+  std::string line;
+  for (const char c : name) {
+    const auto byte = static_cast<unsigned char>(c);
+    line +=
+        byte < 0x20 ? std::string("\xE2\x90") + static_cast<char>(0x80 + byte) : std::string(1, c);
+  }
+  return line;
+}
+
+const File* Named(const Files& files, const std::string& name) {
+  for (const File& file : files) {
+    if (Folded(file[0]) == Folded(name)) return &file;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+std::string Folded(const std::string& text) {
+  std::string folded = text;
+  for (char& c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+  ReplaceAll(folded, "\xC3\x84", "\xC3\xA4");
+  return folded;
+}
+
+std::string DateAndTime(std::time_t time) { return Date(time, "%-m/%-d/%Y %-I:%M:%S %p"); }
+
+Files FilesIn(const std::string& folder) {
+  Files files;
+  std::error_code missing;
+  for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
+    const std::string name = entry.path().filename();
+    struct stat info;
+    if (!Folded(name).ends_with(".txt")) continue;
+    if (stat(entry.path().c_str(), &info) != 0) lstat(entry.path().c_str(), &info);
+    if (S_ISDIR(info.st_mode)) continue;
+    files.push_back({name, Grouped(std::to_string(info.st_size)),
+                     Date(info.st_mtim.tv_sec, "%Y-%m-%d %H:%M:%S")});
+  }
+  return files;
+}
+
+bool IsReadable(const std::string& folder, const std::string& name) {
+  struct stat info;
+  return !name.starts_with('.') && stat((folder + name).c_str(), &info) == 0 &&
+         S_ISREG(info.st_mode);
+}
+
+// --- A list --------------------------------------------------------------------------------------
+
+void List::Fill(const std::vector<Row>& rows) {
+  Rows = rows;
+  for (std::size_t i = 0; i < Rows.size(); ++i) Rows[i].Added = i;
+  if (Sorted) Sort();
+}
+
+void List::Click(int column, std::array<bool, 7>& ascending) {
+  if (Rows.size() <= 1) return;
+  bool& up = ascending.at(static_cast<std::size_t>(column - 1));
+  up = !up;
+  Key = column - 1;
+  Descending = column == 6 ? !up : !Descending;
+  Sorted = true;
+  Sort();
+}
+
+void List::Sort() {
+  const auto key = [this](const Row& row) {
+    std::string text = row.Cells.at(static_cast<std::size_t>(Key));
+    if (Key != 5) return Folded(text);
+    ReplaceAll(text, ",", "");
+    return text.empty() ? text : std::string(20 - text.size(), '0') + text;
+  };
+  std::sort(Rows.begin(), Rows.end(), [&](const Row& one, const Row& other) {
+    const std::string first = key(one);
+    const std::string second = key(other);
+    if (first != second) return (first < second) != Descending;
+    return one.Added < other.Added;
+  });
+}
+
+// --- The program ---------------------------------------------------------------------------------
+
+void Program::BeginWatch() {
+  Requested = false;
+  FirstScan = true;
+}
+
+void Program::EndFirstScan() {
+  FirstScan = false;
+  Known = FilesIn(Folder);
+  if (!Watching) return;
+  Notification = std::filesystem::exists(Folder) ? Handle::Live : Handle::Invalid;
+  Changed = Gone = false;
+}
+
+void Program::Wait() {
+  Pending = Pending || Signalled;
+  Signalled = Notification == Handle::Lost ? std::filesystem::exists(Folder)
+                                           : Notification == Handle::Live && (Changed || Gone);
+  if (Signalled) Notification = Notification == Handle::Live && Gone ? Handle::Lost : Handle::Live;
+  Changed = Gone = false;
+}
+
+void Program::Report(const std::string& line, const std::string& kind, const File& file,
+                     bool removed) {
+  Log.push_back(" - Cookie file " + kind + ": " + line);
+  MsgText = "Cookie file " + kind + "\r\n" + file[0];
+  MsgCanView = !removed;
+  if (!removed) MsgFile = file;
+}
+
+void Program::Compare() {
+  const Files now = FilesIn(Folder);
+  for (const File& file : now) {
+    const File* const old = Named(Known, file[0]);
+    if (old == nullptr) {
+      Report(OneLine(file[0]) + ", " + file[1] + " bytes, " + file[2], "added", file, false);
+    } else if ((*old)[1] != file[1] || (*old)[2] != file[2]) {
+      Report(OneLine((*old)[0]) + " - " + (*old)[1] + "bytes " + (*old)[2] + " => " + file[1] +
+                 " bytes " + file[2],
+             "modified", *old, false);
+    }
+  }
+  for (const File& file : Known) {
+    if (Named(now, file[0]) != nullptr) continue;
+    Report(OneLine(file[0]) + ", " + file[1] + " bytes, " + file[2], "removed", file, true);
+  }
+  Known = now;
+  Stale = true;
+}
+
+void Program::Rebuild() {
+  if (Minimised || !Stale || (FirstScan && Known.empty())) return;
+  Stale = false;
+  All.clear();
+  for (const File& file : Known) {
+    if (!IsReadable(Folder, file[0])) continue;
+    for (const Row& row : RowsOf(Folder, file)) All.push_back(row);
+  }
+  Cookies.Fill(All);
+}
+
+void Program::Find(const std::string& text, int field) {
+  constexpr std::array<std::size_t, 6> Cells = {0, 1, 2, 3, 4, 6};
+  std::vector<Row> hits;
+  for (const Row& row : All) {
+    const std::string& cell = row.Cells.at(Cells.at(static_cast<std::size_t>(field)));
+    const bool found = Folded(cell).find(Folded(text)) != std::string::npos;
+    if (found && !text.empty()) hits.push_back(row);
+  }
+  Search.Fill(hits);
+}
+
+}  // namespace model

@@ -1,0 +1,564 @@
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstdlib>
+#include <ctime>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+#include <set>
+#include <string>
+#include <sys/stat.h>
+#include <utility>
+#include <vector>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QMenu>
+#include <QMessageBox>
+#include <QTimer>
+#include <gtest/gtest.h>
+
+#include "core/PublicDim.h"
+#include "core/SettingsFile.h"
+#include "monitor/ScanDisk.h"
+#include "platform/linux/Widgets.h"
+#include "tests/CookieFolder.h"
+#include "tests/model/Model.h"
+#include "tests/model/Yields.h"
+#include "ui/FormMain.h"
+
+namespace fs = std::filesystem;
+using model::Row;
+
+namespace {
+
+int FromEnvironment(const char* name, int usual) {
+  const char* const value = std::getenv(name);
+  return value != nullptr ? std::atoi(value) : usual;
+}
+
+const std::vector<std::string> FileNames = {"a.txt",
+                                            "A.TXT",
+                                            "b.txt",
+                                            "B.Txt",
+                                            "\xC3\xA4.txt",
+                                            "\xC3\x84.txt",
+                                            "line\n\ttab\x7F.txt",
+                                            "bad\xFF\xC3.txt",
+                                            std::string(251, 'n') + ".txt",
+                                            std::string(251, 'N') + ".TXT",
+                                            ".hidden.txt",
+                                            "*.txt",
+                                            " [*]'\".txt",
+                                            ".txt",
+                                            "other.dat",
+                                            "a.txt.bak",
+                                            "c1.txt",
+                                            "c2.txt",
+                                            "c3.txt",
+                                            "c4.txt",
+                                            "c5.txt",
+                                            "c6.txt"};
+const std::vector<std::string> Contents = {
+    "",
+    "x",
+    std::string(1234, '\n'),
+    Record("uid", "a%3Db", "shop.example/"),
+    Record("Password", "", "news.example//") + Record("lang", "\xC3\xA4\xC3\xA4", "Shop.example/x"),
+    Record("a", "b", "c", "4294967295") + Record("d", "e", "/", "2147483647") + "cut\n",
+    Record("n", "v", "s", "30000000") + "a\rb\n" + Record("lost", "v", "s"),
+    Record("x", "caf\xE9", "s.example", "word"),
+    "\r\n" + Record("lost", "v", "s"),
+    Record("y", "z", "", "-7") + Record("y", "10", "9", "29721845").substr(0, 60)};
+const std::vector<std::string> SearchTexts = {"password", "  SHOP ", "",     "   ", "-",
+                                              "\xC3\x84", "txt",     "2004", "*",   "%3d"};
+
+/// One run: random steps, each within a yield of the program, which then must be as the model says.
+class ModelRun {
+ public:
+  explicit ModelRun(int seed) : seed_(seed), random_(static_cast<unsigned>(seed)) {
+    now_.Folder = folder_.Path("quillmere/cookies/").string();
+    for (const char* made : {"quillmere/cookies", "outside", "log", "RecentDocuments"}) {
+      fs::create_directories(folder_.Path(made));
+    }
+    std::ofstream(folder_.Path("outside/target")) << Contents[3];
+    qputenv("XDG_DATA_HOME", folder_.Path("").parent_path().c_str());
+    for (int i = Pick(12); i > 0; --i) ChangeFolder();
+  }
+
+  void Go(int steps) {
+    steps_ = steps;
+    QObject::connect(&answer_, &QTimer::timeout, [this] { Answer(); });
+    InYield = [this] { Yielded(); };
+    now_.Requested = now_.Watching = true;
+    form_.Load();
+    while (!done_) platform::DoEvents();
+    InYield = nullptr;
+  }
+
+ private:
+  // --- Where a step can come ---------------------------------------------------------------------
+
+  void Yielded() {
+    if (done_) return;
+    if (now_.Requested && (PublicDim.FirstScanRunning || PublicDim.WatchHandle != 0)) {
+      now_.BeginWatch();
+    }
+    if (now_.FirstScan && !PublicDim.FirstScanRunning) now_.EndFirstScan();
+    if (PublicDim.ScanRunning || stopping_) return Within();
+    if (busy_) return;
+    Prepare();
+    now_.Wait();
+    if (step_ == steps_ || testing::Test::HasFailure()) return Finish();
+    ++step_;
+    Step();
+  }
+
+  /// The run's own ticks come at once, so the timers rest.
+  void Prepare() {
+    form_.TimerCompare.Enabled(false);
+    form_.TimerCookie.Enabled(false);
+    platform::Widget(form_)->setUpdatesEnabled(seed_ % 8 == 0);  // painting is most of the work
+    PublicDim.MsgEnabled = false;
+    PublicDim.AppPath = folder_.Path("").string();
+    PublicDim.LogDir = folder_.Path("log/").string();
+  }
+
+  /// What may land in a scan or in the yield of a stop.
+  void Within() {
+    if (within_ >= 2 || Pick(40) != 0) return;
+    ++within_;
+    const int kind = Pick(4);
+    if (kind == 0) TickCompare();
+    if (kind == 1) TickCookie();
+    if (kind == 2 && form_.CmdStop.Enabled()) Stop();
+    if (kind == 3 && form_.CmdStart.Enabled()) Start();
+    CheckButtons();
+    --within_;
+  }
+
+  void Step() {
+    const int kind = Pick(100);
+    if (now_.Requested && kind >= 4) return;  // a start that waits for its timer
+    if (kind < 4) return form_.CmdStop.Enabled() ? Stop() : Start();
+    busy_ = true;
+    gone_.clear();
+    const std::set<std::string> before = Entries();
+    if (kind < 40) {
+      for (int i = 1 + Pick(3); i > 0; --i) ChangeFolder();
+    } else if (kind < 62) {
+      TickCompare();
+    } else if (kind < 75) {
+      TickCookie();
+    } else if (kind < 80) {
+      Search();
+    } else if (kind < 85) {
+      const int column = 1 + Pick(7);
+      const auto [list, expected] = AnyList();
+      list->ColumnClick(column);
+      expected->Click(column, now_.Ascending);
+    } else if (kind < 90) {
+      const auto [list, expected] = AnyList();
+      for (Row& row : expected->Rows) {
+        if (Pick(4) != 0) continue;
+        row.Selected = !row.Selected;
+        list->Item(static_cast<int>(&row - expected->Rows.data()) + 1).Selected(row.Selected);
+      }
+    } else if (kind < 92) {
+      const bool search = Pick(2) == 0;
+      asked_ = search ? &now_.Search : &now_.Cookies;
+      answer_.start(0);
+      auto* menu =
+          static_cast<QMenu*>(Widget((search ? form_.MenuSearch : form_.MenuCookie).Native()));
+      menu->actions()[1]->trigger();
+    } else if (kind < 93) {
+      Clean();
+    } else if (kind < 96) {
+      ChangeWindow();
+    } else {
+      ChangeOption();
+    }
+    answer_.stop();
+    Check();
+    std::set<std::string> after = Entries();
+    after.insert(gone_.begin(), gone_.end());
+    if (kind >= 40) Require(after == before, "the folder's files");
+    busy_ = false;
+  }
+
+  void Finish() {
+    done_ = true;
+    std::string saved;
+    for (const auto& file : fs::directory_iterator(folder_.Path("log"))) {
+      std::ifstream stream(file.path(), std::ios::binary);
+      for (std::string line; std::getline(stream, line);) saved += Untimed(line) + '\n';
+    }
+    Require(saved == saved_, "the log file");
+    if (form_.CmdStop.Enabled()) form_.CmdStop.Click();
+  }
+
+  // --- Clicks and ticks --------------------------------------------------------------------------
+
+  void TickCompare() {
+    const bool due = now_.Pending && !PublicDim.ScanRunning;
+    if (due) now_.Pending = false;
+    form_.TimerCompare.Tick();
+    if (due) now_.Compare();
+  }
+
+  void TickCookie() {
+    form_.TimerCookie.Tick();
+    now_.Rebuild();
+  }
+
+  /// From within a scan or a stop the watch begins later, else inside of the click.
+  void Start() {
+    now_.Watching = true;
+    now_.Requested = !now_.FirstScan;
+    form_.CmdStart.Click();
+  }
+
+  void Stop() {
+    if (now_.Requested || now_.FirstScan) {
+      form_.CmdStop.Click();
+      now_.Watching = now_.Requested = false;
+    } else {
+      const bool outer = std::exchange(stopping_, true);
+      form_.CmdStop.Click();
+      stopping_ = outer;
+      now_.Watching = now_.Requested;
+    }
+    now_.Notification = model::Handle::None;
+  }
+
+  void Search() {
+    const std::string& text = Any(SearchTexts);
+    const int field = Pick(6);
+    form_.TextSearch.Text(text);
+    form_.Combo1.ListIndex(field);
+    if (Pick(2) == 0) {
+      form_.CmdSearch.Click();
+    } else {
+      form_.TextSearch.KeyPress(13);
+    }
+    const std::size_t first = std::min(text.find_first_not_of(' '), text.size());
+    const std::string trimmed = text.substr(first, text.find_last_not_of(' ') + 1 - first);
+    Require(form_.TextSearch.Text() == trimmed, "the search text");
+    now_.Find(trimmed, field);
+  }
+
+  void Clean() {
+    form_.Check1.Value(Pick(2));
+    form_.Check2.Value(Pick(2));
+    std::ofstream(folder_.Path("RecentDocuments/document")) << "text";
+    recentStays_ = true;
+    asked_ = nullptr;
+    answer_.start(0);
+    form_.CmdClean.Click();
+    Require(fs::exists(folder_.Path("RecentDocuments/document")) == recentStays_, "the documents");
+  }
+
+  /// Answers a question, and lets a tick pass while it is open.
+  void Answer() {
+    const auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+    if (box == nullptr) return;
+    if (box->button(QMessageBox::Yes) == nullptr) return box->button(QMessageBox::Ok)->click();
+    answer_.stop();
+    if (Pick(4) == 0) TickCompare();
+    if (Pick(4) == 0) TickCookie();
+    answer_.start(0);
+    const bool yes = Pick(4) != 0;
+    if (yes && asked_ != nullptr) {
+      for (const Row& row : asked_->Rows) {
+        if (row.Selected) Deleted(row.Cells[4]);
+      }
+      std::erase_if(asked_->Rows, [](const Row& row) { return row.Selected; });
+    } else if (yes) {
+      if (form_.Check1.Value() == 1) Cleaned();
+      recentStays_ = form_.Check2.Value() == 0;
+    }
+    box->button(yes ? QMessageBox::Yes : QMessageBox::No)->click();
+  }
+
+  void Cleaned() {
+    for (const model::File& file : model::FilesIn(now_.Folder)) {
+      if (model::IsReadable(now_.Folder, file[0])) Deleted(file[0]);
+    }
+    now_.Known.clear();
+    now_.Log.emplace_back(" - Cookies are cleaned **********");
+    now_.Stale = true;
+  }
+
+  void Deleted(const std::string& name) {
+    struct stat info;
+    if (lstat((now_.Folder + name).c_str(), &info) != 0) return;
+    if (!S_ISLNK(info.st_mode) && (!S_ISREG(info.st_mode) || (info.st_mode & S_IWUSR) == 0)) return;
+    gone_.insert(name);
+    now_.Changed = true;
+  }
+
+  void ChangeWindow() {
+    if (!now_.Visible || now_.Minimised) {
+      form_.Form_MouseMove(514 * 15);  // a click on the tray icon
+      now_.Visible = true;
+      now_.Minimised = false;
+    } else if (Pick(3) == 0) {
+      form_.Hide();
+      now_.Visible = false;
+    } else {
+      form_.WindowState(platform::vbMinimized);
+      now_.Minimised = true;
+      now_.Visible = !now_.ToTray;
+    }
+  }
+
+  void ChangeOption() {
+    const int value = Pick(2);
+    const struct {
+      platform::CheckBox& Box;
+      bool& Option;
+      bool On;
+    } options[] = {{form_.CheckLog, now_.SaveLog, value == 0},
+                   {form_.CheckTray, now_.ToTray, value == 1},
+                   {form_.ChkSound1, now_.Sound1, value == 1},
+                   {form_.ChkSound2, now_.Sound2, value == 1}};
+    const auto& chosen = options[Pick(4)];
+    chosen.Box.Value(value);
+    chosen.Option = chosen.On;
+    if (Pick(4) != 0) return;
+    SaveConfig();
+    const auto word = [](bool on) { return std::string(on ? "=True\r\n" : "=False\r\n"); };
+    std::ifstream file(folder_.Path("config.ini"), std::ios::binary);
+    Require(std::string(std::istreambuf_iterator<char>(file), {}) ==
+                "SaveLog" + word(now_.SaveLog) + "ToTray" + word(now_.ToTray) + "PlaySound1" +
+                    word(now_.Sound1) + "PlaySound2" + word(now_.Sound2),
+            "config.ini");
+  }
+
+  // --- The folder --------------------------------------------------------------------------------
+
+  void ChangeFolder() {
+    const fs::path folder = now_.Folder;
+    const int kind = Pick(100);
+    if (!fs::exists(folder) || kind == 0) return ChangeWholeFolder();
+    const fs::path file = folder / Any(FileNames);
+    const fs::path other = folder / Any(FileNames);
+    const fs::path inside = folder / "sub.txt" / "inner.txt";
+    struct stat info;
+    const bool exists = lstat(file.c_str(), &info) == 0;
+    const bool plain = exists && S_ISREG(info.st_mode);
+    const bool otherIsPlain = fs::is_regular_file(fs::symlink_status(other));
+    bool changed = exists;
+    if (kind < 40) {
+      const std::string& content = Any(Contents);
+      if (exists && (!plain || (info.st_mode & S_IWUSR) == 0 || content.empty())) return;
+      std::ofstream(file, std::ios::binary) << content;
+      changed = true;
+    } else if (kind < 52 && plain) {
+      const timespec time = {1'100'000'000 + Pick(3), Pick(2) * 5'000'000};
+      const timespec times[] = {time, time};
+      changed = info.st_mtim.tv_sec != time.tv_sec || info.st_mtim.tv_nsec != time.tv_nsec;
+      utimensat(AT_FDCWD, file.c_str(), times, 0);
+    } else if (kind < 62 && plain && otherIsPlain) {
+      changed = file != other;
+      fs::rename(file, other);
+    } else if (kind < 67 && plain) {
+      const fs::path twin = folder / OtherCase(file.filename());
+      if (fs::exists(fs::symlink_status(twin))) return;
+      fs::rename(file, twin);
+    } else if (kind < 75) {
+      const fs::path away = folder_.Path("outside") / file.filename();
+      if (exists == fs::exists(fs::symlink_status(away))) return;
+      changed = !fs::is_directory(fs::symlink_status(exists ? file : away));
+      fs::rename(exists ? file : away, exists ? away : file);
+    } else if (kind < 85 && exists) {
+      fs::remove(file);
+      changed = !S_ISDIR(info.st_mode);
+    } else if (kind < 88 && plain) {
+      changed = false;
+      chmod(file.c_str(), info.st_mode ^ S_IWUSR);
+    } else if (kind < 91 && !exists) {
+      mkdir(file.c_str(), 0700);
+    } else if (kind < 96 && !exists) {
+      static const char* const targets[] = {"../../outside/target", "nowhere", "..", "/dev/null"};
+      changed = (Pick(3) == 0 ? mkfifo(file.c_str(), 0600)
+                              : symlink(targets[Pick(4)], file.c_str())) == 0;
+    } else {
+      changed = false;
+      fs::create_directories(inside.parent_path());
+      std::ofstream(inside) << "text";
+      fs::remove(inside);
+    }
+    now_.Changed = now_.Changed || changed;
+  }
+
+  /// Takes the watched folder away or brings one, sometimes both before anything can look.
+  void ChangeWholeFolder() {
+    const fs::path folder = folder_.Path("quillmere/cookies");
+    const fs::path aside = folder_.Path("quillmere/aside");
+    if (fs::exists(folder)) {
+      fs::remove_all(aside);
+      fs::rename(folder, aside);
+      now_.Gone = true;
+      if (Pick(2) == 0) return;
+    }
+    if (Pick(2) == 0 && fs::exists(aside)) {
+      fs::rename(aside, folder);
+    } else {
+      fs::create_directory(folder);
+    }
+  }
+
+  static std::string OtherCase(std::string name) {
+    for (char& c : name) {
+      if (std::isalpha(static_cast<unsigned char>(c)) != 0) c = static_cast<char>(c ^ 0x20);
+    }
+    return name;
+  }
+
+  std::set<std::string> Entries() const {
+    std::set<std::string> names;
+    std::error_code missing;
+    for (const auto& entry : fs::directory_iterator(now_.Folder, missing)) {
+      names.insert(entry.path().filename());
+    }
+    return names;
+  }
+
+  // --- What must be so ---------------------------------------------------------------------------
+
+  void Require(bool holds, const std::string& what) const {
+    if (holds) return;
+    ADD_FAILURE() << what << " differs at step " << step_ << "; again with MODEL_SEED=" << seed_
+                  << " MODEL_STEPS=" << step_;
+  }
+
+  void Check() {
+    CheckButtons();
+    CheckLog();
+    CheckRows(form_.ListVCookie, now_.Cookies, "ListVCookie");
+    CheckRows(form_.ListVSearch, now_.Search, "ListVSearch");
+    Require(PublicDim.MsgText == now_.MsgText && PublicDim.MsgCanView == now_.MsgCanView &&
+                PublicDim.MsgFileName == now_.MsgFile[0] &&
+                PublicDim.MsgFileSize == now_.MsgFile[1] &&
+                PublicDim.MsgFileModified == now_.MsgFile[2],
+            "what the popup gets");
+    Require(platform::Widget(form_)->isVisible() == now_.Visible &&
+                (form_.WindowState() == platform::vbMinimized) == now_.Minimised,
+            "the window");
+  }
+
+  void CheckButtons() {
+    Require(form_.CmdStop.Enabled() == now_.Watching && form_.CmdStart.Enabled() != now_.Watching,
+            "Start and Stop");
+  }
+
+  static std::string Untimed(const std::string& line) {
+    return line.substr(std::min(line.find(" - Cookie"), line.size()));
+  }
+
+  void CheckLog() {
+    Require(form_.ListLog.ListCount() == static_cast<int>(now_.Log.size()), "the log's length");
+    const std::time_t until = std::time(nullptr);
+    const int count = std::min(form_.ListLog.ListCount(), static_cast<int>(now_.Log.size()));
+    for (; lines_ < count; ++lines_) {
+      const std::string line = form_.ListLog.List(lines_);
+      const std::string& expected = now_.Log[static_cast<std::size_t>(lines_)];
+      Require(Untimed(line) == expected, line + "\n" + expected);
+      bool timed = false;
+      for (std::time_t time = since_; time <= until; ++time) {
+        timed = timed || line == model::DateAndTime(time) + expected;
+      }
+      Require(timed, "the time of " + line);
+      if (now_.SaveLog) saved_ += expected + "\r\n";
+    }
+    since_ = until;
+  }
+
+  void CheckRows(platform::ListView& list, const model::List& expected, const std::string& what) {
+    const int count = static_cast<int>(expected.Rows.size());
+    Require(list.Count() == count, what + "'s length");
+    for (int position = 1; position <= std::min(count, list.Count()); ++position) {
+      const platform::ListView::ListItem item = list.Item(position);
+      const Row& row = expected.Rows[static_cast<std::size_t>(position - 1)];
+      bool same = item.Text() == row.Cells[0] && item.Selected() == row.Selected;
+      for (int i = 1; i < 7; ++i) {
+        same = same && item.SubItems(i) == row.Cells.at(static_cast<std::size_t>(i));
+      }
+      if (!same) return Require(false, what + "'s row " + std::to_string(position));
+    }
+  }
+
+  int Pick(int count) { return static_cast<int>(random_() % static_cast<unsigned>(count)); }
+  template <typename Thing>
+  const Thing& Any(const std::vector<Thing>& things) {
+    return things[static_cast<std::size_t>(Pick(static_cast<int>(things.size())))];
+  }
+  std::pair<platform::ListView*, model::List*> AnyList() {
+    if (Pick(2) == 0) return {&form_.ListVSearch, &now_.Search};
+    return {&form_.ListVCookie, &now_.Cookies};
+  }
+
+  const int seed_;
+  std::mt19937 random_;
+  CookieFolder folder_;
+  FormMain form_;
+  model::Program now_;
+  QTimer answer_;
+  int steps_ = 0;
+  int step_ = 0;
+  bool done_ = false;
+  bool busy_ = false;      ///< A step is on the stack that does not begin a watch.
+  bool stopping_ = false;  ///< A click on Stop is on the stack.
+  int within_ = 0;
+  model::List* asked_ = nullptr;  ///< The list of which the question is; none for the cleaner's.
+  bool recentStays_ = true;
+  std::set<std::string> gone_;  ///< Files that the step deletes.
+  int lines_ = 0;
+  std::time_t since_ = std::time(nullptr);
+  std::string saved_;  ///< The log file without its times.
+};
+
+// MODEL_SEED and MODEL_STEPS replay one run; MODEL_RUNS makes as many.
+TEST(Model, TheProgramDoesWhatAPlainModelOfItSays) {
+  const int first = FromEnvironment("MODEL_SEED", 1);
+  const int steps = FromEnvironment("MODEL_STEPS", 1000);
+  const int runs = FromEnvironment("MODEL_RUNS", std::getenv("MODEL_SEED") != nullptr ? 1 : 30);
+  const auto usual = fs::temp_directory_path();
+  for (int seed = first; seed < first + runs && !HasFailure(); ++seed) {
+    // Directories of memory and of a disk have orders of their own.
+    const bool inMemory = seed % 2 == 0 && fs::is_directory("/dev/shm");
+    qputenv("TMPDIR", inMemory ? "/dev/shm" : usual.c_str());
+    ModelRun(seed).Go(steps);
+  }
+  qputenv("TMPDIR", usual.c_str());
+}
+
+// A directory in memory lists what is new before what is old: a file that is replaced while a large
+// one is read moves to where the reading has been.
+TEST(Scan, MissesNoFileThatIsReplacedMeanwhile) {
+  if (!fs::is_directory("/dev/shm")) GTEST_SKIP();
+  const TemporaryFolder folder("/dev/shm");
+  PublicDim = {};
+  PublicDim.CookieDir = folder.Path();
+  constexpr int Count = 3000;
+  const auto name = [](int i) { return "cookie file " + std::to_string(i) + ".txt"; };
+  for (int i = 0; i < Count; ++i) std::ofstream(folder.Path(name(i)));
+  int replaced = 0;
+  InYield = [&] {
+    if (replaced == Count) return;
+    std::ofstream(folder.Path("new")) << "text";
+    fs::rename(folder.Path("new"), folder.Path(name(replaced++)));
+  };
+  TakeFirstSnapshot();
+  InYield = nullptr;
+  std::set<std::string> found;
+  for (const CookieFileRow& row : PublicDim.KnownRows) found.insert(row.FileName);
+  EXPECT_EQ(found.size(), static_cast<std::size_t>(Count));
+  EXPECT_EQ(PublicDim.KnownRows.size(), static_cast<std::size_t>(Count));
+}
+
+}  // namespace

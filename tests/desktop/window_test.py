@@ -2,8 +2,6 @@
 
 import contextlib
 import math
-import subprocess
-from collections import Counter
 
 from harness import (SAVE_LOG, SCREENS, TWIPS_PER_PIXEL, DesktopTest, cookies, key, main, run,
                      wait_until)
@@ -74,7 +72,7 @@ DETAIL_ORDER = [("text", "Cookie file"), ("text", "Modified"), ("text", "Size"),
 QUESTION_ORDER = [("push button", "Yes"), ("push button", "No")]
 POPUP_ORDER = [("push button", "Close"), ("push button", "View")]
 LIST, HELP_BUTTON = ("tree", "Cookies"), ("push button", "Help")
-# Roles of controls that only hold others, and so need no name; and of those with a text to read.
+# Roles of controls that only hold others or adorn, and so need no name; and of texts to read.
 HOLDERS = {"filler", "panel", "scroll bar", "label", "image"}
 READ = {"push button", "label", "link", "check box", "combo box", "page tab"}
 
@@ -88,31 +86,15 @@ LOOKS = [("light-100", 1, {}, ""), ("dark-150", 1.5, DARK, "Xft.dpi:\t144\n"),
          ("light-200", 2, {"QT_SCALE_FACTOR": "2"}, "")]
 
 
-class Picture:
-    """What is on the screen, its places counted in pixels that are not scaled."""
-
-    def __init__(self, name, scale):
-        self.scale = scale
-        data = subprocess.run(["convert", SCREENS / f"{name}.png", "-depth", "8", "rgb:-"],
-                              stdout=subprocess.PIPE, check=True).stdout
-        self.rows = [data[row:row + 3 * 1280] for row in range(0, len(data), 3 * 1280)]
-
-    def contrast(self, place):
-        """Of the strongest colour against the commonest one, as the web's guidelines count it;
-        and how light the commonest is."""
-        left, top, width, height = (max(0, int(value * self.scale)) for value in place)
-        colours = Counter()
-        for row in self.rows[top:top + height]:
-            part = row[3 * left:3 * (left + width)]
-            colours.update(zip(part[0::3], part[1::3], part[2::3]))
-
-        def light(colour):
-            parts = [part / 255 for part in colour]
-            linear = [p / 12.92 if p <= 0.04045 else ((p + 0.055) / 1.055)**2.4 for p in parts]
-            return 0.2126 * linear[0] + 0.7152 * linear[1] + 0.0722 * linear[2] + 0.05
-
-        ground = light(colours.most_common(1)[0][0])
-        return max(max(light(c), ground) / min(light(c), ground) for c in colours), ground
+def greys(picture, places, scale):
+    """How light each of those parts of the picture is on the whole, and how far its lightest and
+    its darkest point are apart; both out of 1. Places are counted in pixels that are not scaled."""
+    command = ["convert", SCREENS / f"{picture}.png", "-colorspace", "gray"]
+    for place in places:
+        left, top, width, height = (round(max(0, value) * scale) for value in place)
+        command += ["(", "-clone", 0, "-crop", f"{width}x{height}+{left}+{top}", "-format",
+                    r"%[fx:mean] %[fx:maxima-minima]\n", "-write", "info:", "+delete", ")"]
+    return [tuple(map(float, line.split())) for line in run(*command, "null:").splitlines()]
 
 
 class WindowTest(DesktopTest):
@@ -278,12 +260,12 @@ class WindowTest(DesktopTest):
                       for each in in_sight for x, y, *size in [each.place()]]
             self.assertEqual(places, usual.setdefault(window, places))
         if theme == "dark":
-            picture = Picture(name, scale)
-            self.assertLess(picture.contrast((left, top, width, height))[1], 0.2)
-            for each in in_sight:
-                if each.enabled and each.role in READ and each.name:
-                    self.assertGreater(picture.contrast(each.place())[0], 4.5,
-                                       (each.role, each.name))
+            texts = [each for each in in_sight if each.enabled and each.role in READ and each.name]
+            (lightness, _), *found = greys(
+                name, [each.place() for each in [self.active(), *texts]], scale)
+            self.assertLess(lightness, 0.65)  # the about box has a light picture
+            for text, (_, contrast) in zip(texts, found, strict=True):
+                self.assertGreater(contrast, 0.4, (text.role, text.name))
 
     def test_looks(self):
         """Each window in every look, opened, gone round and closed without the mouse."""

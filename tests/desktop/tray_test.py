@@ -97,6 +97,32 @@ class TrayTest(DesktopTest):
             way()
             self.check_back()
 
+    def check_what_stands_over_it(self):
+        """The about box and a question are above the window, and go and come with it."""
+        program = self.watched
+        program.button("About").press()
+        box = wait_until(lambda: program.windows("About Quillmere"), "the about box")[0]
+        left, top, *_ = program.geometry()
+        run("xdotool", "mousemove", left + 60, top - 10, "click", 1)
+        self.check_back()
+        order = run("xprop", "-root", "_NET_CLIENT_LIST_STACKING")
+        self.assertRegex(order, f"{int(program.find_window()):#x}.*{int(box):#x}")
+        self.minimise()
+        wait_until(lambda: not program.windows("About Quillmere"), "the box to go")
+        self.tray.click()
+        wait_until(lambda: program.windows("About Quillmere"), "the box to come back")
+        program.button("OK").press()
+
+        program.select_tab("Tools")
+        program.check_box("Clean Cookies").press()
+        program.button("Clean").click()
+        program.button("No")
+        self.minimise()
+        self.tray.click()
+        wait_until(lambda: len(program.windows("Quillmere")) == 2, "window and question")
+        program.button("No").click()
+        wait_until(lambda: len(program.windows("Quillmere")) == 1, "the question to go")
+
     def check_menu(self):
         """Every entry, with the window hidden, which it stays until it is asked for."""
         self.minimise()
@@ -145,6 +171,7 @@ class TrayTest(DesktopTest):
                     self.watched = self.started(config=options(to_tray=self.to_tray))
                     wait_until(self.tray.items, "the icon")
                     self.check_ways_back()
+                    self.check_what_stands_over_it()
                     self.check_menu()
                     self.take_down()
 

@@ -279,6 +279,7 @@ void DoEvents() {
   // One pass leaves out what its own handlers set off, and all that has a lower rank.
   constexpr int MostPasses = 20;
   QAbstractEventDispatcher* events = QAbstractEventDispatcher::instance();
+  if (!events) return;  // a tool without windows
   for (int pass = 0; pass < MostPasses && !ProcessEnds; ++pass) {
     if (!events->processEvents(QEventLoop::AllEvents)) return;
   }

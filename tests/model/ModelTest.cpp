@@ -129,7 +129,7 @@ class ModelRun {
 
   /// What may land in a scan or in the yield of a stop.
   void Within() {
-    if (within_ >= 2 || Pick(40) != 0) return;
+    if (within_ >= 2 || Pick(12) != 0) return;
     ++within_;
     const int kind = Pick(4);
     if (kind == 0) TickCompare();

@@ -159,7 +159,7 @@ class Month {
 // ENDURANCE_CHANGES=100000 is the work of a month.
 TEST(Endurance, HoldsNoMoreAfterAMonthsWork) {
   const char* const asked = std::getenv("ENDURANCE_CHANGES");
-  const int changes = asked != nullptr ? std::atoi(asked) : 2000;
+  const int changes = asked != nullptr ? std::stoi(asked) : 2000;
   Month month;
   month.Go(changes);
   EXPECT_EQ(month.Reports, changes);

@@ -37,7 +37,7 @@ namespace {
 
 int FromEnvironment(const char* name, int usual) {
   const char* const value = std::getenv(name);
-  return value != nullptr ? std::atoi(value) : usual;
+  return value != nullptr ? std::stoi(value) : usual;
 }
 
 const std::vector<std::string> FileNames = {"a.txt",
@@ -358,7 +358,7 @@ class ModelRun {
       std::ofstream(file, std::ios::binary) << content;
       changed = true;
     } else if (kind < 52 && plain) {
-      const timespec time = {1'100'000'000 + Pick(3), Pick(2) * 5'000'000};
+      const timespec time = {1'100'000'000 + Pick(3), Pick(2) * 5'000'000L};
       const timespec times[] = {time, time};
       changed = info.st_mtim.tv_sec != time.tv_sec || info.st_mtim.tv_nsec != time.tv_nsec;
       utimensat(AT_FDCWD, file.c_str(), times, 0);
@@ -467,7 +467,7 @@ class ModelRun {
     for (; lines_ < count; ++lines_) {
       const std::string line = form_.ListLog.List(lines_);
       const std::string& expected = now_.Log[static_cast<std::size_t>(lines_)];
-      Require(Untimed(line) == expected, line + "\n" + expected);
+      Require(Untimed(line) == expected, "line " + std::to_string(lines_) + " of the log");
       bool timed = false;
       for (std::time_t time = since_; time <= until; ++time) {
         timed = timed || line == model::DateAndTime(time) + expected;

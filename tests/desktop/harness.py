@@ -193,11 +193,12 @@ class Control:
         self.accessible.get_action_iface().do_action(0)
 
     def cells(self):
-        """The rows of a table."""
+        """The rows of a table; none where they change meanwhile."""
         table = self.accessible.get_table_iface()
         columns = range(table.get_n_columns())
-        return [[Control(table.get_accessible_at(row, column)) for column in columns]
+        rows = [[table.get_accessible_at(row, column) for column in columns]
                 for row in range(table.get_n_rows())]
+        return [[Control(cell) for cell in row] for row in rows] if all(map(all, rows)) else []
 
     def rows(self):
         """The texts of a list's lines or, as lists, of a table's cells."""

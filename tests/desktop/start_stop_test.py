@@ -63,7 +63,7 @@ class StartStopTest(DesktopTest):
         program = self.program(config=SAVE_LOG)
         self.begin(program)
         chance = random.Random(SEED)
-        for number in range(60):
+        for number in range(25):
             known = program.log_file()
             (program.cookies / f"seen{number}.txt").touch()
             # The watch meets the change within a tenth of a second, its timer within half a one.

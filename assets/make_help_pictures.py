@@ -109,7 +109,7 @@ def main():
     desktop = Desktop()
     program = None
     try:
-        desktop.open(window_manager=True)
+        desktop.open()
         program = Program(desktop)
         watch_folder(program, HOME / "cookies")
         write(program.cookies, "jane@radio.example[3].txt")

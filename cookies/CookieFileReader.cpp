@@ -108,7 +108,7 @@ void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
 }
 
 std::vector<std::string_view> SplitText(std::string_view Text, std::string_view Delimiter) {
-  constexpr std::size_t UsualPieces = 100;
+  constexpr std::size_t UsualPieces = 64;  // 1 KiB, the most that malloc has ready at once
   Pieces pieces;
   pieces.reserve(UsualPieces);
   std::size_t position = 0;

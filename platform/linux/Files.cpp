@@ -224,7 +224,7 @@ FolderAtHand::FolderAtHand(const std::string& pattern) { AtHand().emplace(patter
 FolderAtHand::~FolderAtHand() { AtHand().reset(); }
 
 InputFile::InputFile(const std::string& path) {
-  if (!IsPath(path) || NameOf(path).starts_with('.')) return;
+  if (!IsPath(path) || path[path.rfind('/') + 1] == '.') return;
   std::optional<std::size_t> listed;
   if (AtHand()) listed = AtHand()->Listing.Find(path);
   if (listed) {

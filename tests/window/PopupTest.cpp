@@ -1,17 +1,13 @@
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <vector>
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QLabel>
 #include <QPushButton>
-#include <QTimer>
 #include <gtest/gtest.h>
 
-#include "cookies/FormView.h"
 #include "core/PublicDim.h"
 #include "platform/Forms.h"
 #include "report/FormMsg.h"
@@ -116,26 +112,6 @@ TEST_F(PopupTest, ClosesAtItsOwnSixthTickSeenOrNot) {
   EXPECT_EQ(Windows("FormMsg").size(), 1U);
   RunFor(2000);
   EXPECT_EQ(Windows("FormMsg").size(), 0U);
-}
-
-TEST_F(PopupTest, IsFreedInsideNestedLoops) {
-  const auto before = QApplication::allWidgets().size();
-  // As in the program: a wait loop inside a click, which the plain event loop has handed out.
-  QEventLoop plainLoop;
-  QTimer::singleShot(0, [&plainLoop, before] {
-    for (int round = 0; round < 100; ++round) {
-      Open(90);
-      for (int i = 0; i < 10; ++i) platform::ShowNew(std::make_unique<FormView>());
-      RunFor(0);
-      for (const char* name : {"FormMsg", "FormView"}) {
-        for (QWidget* window : Windows(name)) window->close();
-      }
-      RunFor(0);
-      ASSERT_EQ(QApplication::allWidgets().size(), before) << round;
-    }
-    plainLoop.quit();
-  });
-  plainLoop.exec();
 }
 
 }  // namespace

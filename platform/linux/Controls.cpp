@@ -16,6 +16,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStyleOptionFocusRect>
@@ -170,7 +171,17 @@ void Control::Move(const Place& to) {
 }
 
 bool Control::Visible() const { return !Widget(*this)->isHidden(); }
-void Control::Visible(bool visible) { Widget(*this)->setVisible(visible); }
+void Control::Visible(bool visible) {
+  // One that is back before the next event has never left for the user: it keeps the keyboard.
+  static QPointer<QWidget> leftWithFocus;
+  QWidget* widget = Widget(*this);
+  if (!visible && widget->window()->focusWidget() == widget) {
+    leftWithFocus = widget;
+    QTimer::singleShot(0, widget, [] { leftWithFocus = nullptr; });
+  }
+  widget->setVisible(visible);
+  if (visible && leftWithFocus == widget) widget->setFocus();
+}
 
 bool Control::Enabled() const { return Widget(*this)->isEnabled(); }
 void Control::Enabled(bool enabled) { Widget(*this)->setEnabled(enabled); }

@@ -56,6 +56,15 @@ TEST(Forms, LeaveNoFocusBehindForTheNextOpening) {
   EXPECT_EQ(Widget(form)->focusWidget(), nullptr);
 }
 
+TEST(Forms, AControlKeepsTheKeyboardWhenItIsHiddenForAMoment) {
+  SampleForm form;
+  form.Show();
+  form.Second.SetFocus();
+  form.Second.Visible(false);
+  form.Second.Visible(true);
+  EXPECT_EQ(Widget(form)->focusWidget(), Widget(form.Second));
+}
+
 TEST(Forms, AWordTooLongForItsLabelGoesOnInTheNextLine) {
   SampleForm form;
   form.Wrapped.WordWrap();

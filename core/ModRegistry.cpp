@@ -57,6 +57,7 @@ RegValue ReadRegValue(platform::HKEY hive, const std::string& path, const std::s
 }
 
 int FetchRegValue(platform::HKEY key, const std::string& name, RegValue& value) {
+  value = {};
   std::uint32_t type = 0;
   std::uint32_t size = 0;
   const int result = platform::RegQueryValueExA(key, name, type, nullptr, size);

@@ -46,7 +46,7 @@ class InputFile {
  public:
   explicit InputFile(const std::string& path);
 
-  /// Whether the file could be opened and read.
+  /// Whether the file could be opened and read; one of more than 2 GiB can't.
   bool IsOpen() const { return open_; }
   bool EndOfFile() const { return position_ >= content_.size(); }
   /// The next line without its end, as bytes; an empty one at the end of the file.

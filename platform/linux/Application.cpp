@@ -92,11 +92,16 @@ QFont DialogFont() {
   return font;
 }
 
-/// In the bytes of the file system; the toolkit's own answer has lost those that are not UTF-8.
-std::string ExecutablePath() {
-  std::error_code failed;
-  const std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", failed);
-  return failed ? ToText(QCoreApplication::applicationFilePath()) : path.native();
+/// As it was at the start: of a file that is replaced under the running program the kernel tells
+/// another name. In the bytes of the file system; the toolkit's own answer has lost those that are
+/// not UTF-8.
+const std::string& ExecutablePath() {
+  static const std::string path = [] {
+    std::error_code failed;
+    const std::filesystem::path link = std::filesystem::read_symlink("/proc/self/exe", failed);
+    return failed ? ToText(QCoreApplication::applicationFilePath()) : link.native();
+  }();
+  return path;
 }
 
 /// Popups need a place of their own choosing and a topmost band: X11 or XWayland has both.
@@ -127,6 +132,7 @@ int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Fo
   QLoggingCategory::setFilterRules("*=false");
   Application application(argc, argv);
   QCoreApplication::setApplicationName("Quillmere");
+  ExecutablePath();
   QApplication::setFont(DialogFont());
   QApplication::setQuitOnLastWindowClosed(false);
 

@@ -236,15 +236,17 @@ InputFile::InputFile(const std::string& path) {
   }
   const Descriptor file = OpenOrdinary(path, listed.has_value());
   if (!file) return;
+  constexpr std::size_t LongestText = 0x7FFFFFFF;
   std::array<char, 65536> buffer;
   ssize_t got = 0;
   // File systems of the network, too, can give less than was asked for: only nothing is the end.
   while ((got = read(file.Number(), buffer.data(), buffer.size())) > 0 ||
          (got < 0 && errno == EINTR)) {
     if (got > 0) content_.append(buffer.data(), static_cast<std::size_t>(got));
+    if (content_.size() > LongestText) break;
   }
-  open_ = got >= 0;
-  if (!open_) content_.clear();
+  open_ = got == 0;
+  if (!open_) content_ = {};
 }
 
 std::string InputFile::LineInput() {

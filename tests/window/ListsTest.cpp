@@ -46,11 +46,6 @@ class Lists : public testing::Test {
     }
     return names;
   }
-  void Sort(int column, int order) {
-    list_.SortKey(column);
-    list_.SortOrder(order);
-    list_.Sorted(true);
-  }
 
   QPoint RowPoint(int row) { return view_->visualRect(view_->model()->index(row, 0)).center(); }
   void Press(Qt::MouseButton button, const QPoint& at, Qt::KeyboardModifiers modifiers = {}) {
@@ -216,7 +211,8 @@ TEST_F(Lists, MouseEventsReachTheProgramAfterTheSelection) {
 
 TEST_F(Lists, CopyTheSelectedRowsAsTheyStand) {
   for (const char* name : {"b", "a", "c"}) list_.Add(name).SubItems(1, name + "\t1"s);
-  Sort(0, platform::lvwDescending);
+  list_.SortOrder(platform::lvwDescending);
+  list_.Sorted(true);
   view_->header()->moveSection(1, 0);
   for (const int position : {1, 3}) list_.Item(position).Selected(true);
   QTest::keyClick(view_, Qt::Key_C, Qt::ControlModifier);

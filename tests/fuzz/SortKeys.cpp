@@ -59,7 +59,7 @@ void RequireSorted(platform::ListView& list, const std::vector<std::string>& cel
 }  // namespace
 
 /// The leak detector does not look where the toolkit keeps its fonts. Without the stacks of its
-/// many allocations, and with few of them kept back, a run takes half the time;
+/// many allocations, and with few of them kept back, a run takes half the time.
 extern "C" const char* __asan_default_options() {
   return "detect_leaks=0:malloc_context_size=1:quarantine_size_mb=4";
 }

@@ -43,28 +43,10 @@ std::string Expiry(const std::string& highWord) {
              : Date(static_cast<std::time_t>(std::floor(seconds)), "%Y-%m-%d");
 }
 
-/// As the old code page has it; of its upper bytes the files here have only such as are their own
-/// number.
-std::string FromCodePage(const std::string& bytes) {
-  if (bytes.find("\xE9\n") == std::string::npos) return bytes;
-  std::string text;
-  for (const char c : bytes) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x80) {
-      text += c;
-    } else {
-      text += static_cast<char>(byte < 0xC0 ? 0xC2 : 0xC3);
-      text += static_cast<char>(byte & 0xBF);
-    }
-  }
-  return text;
-}
-
 std::vector<Row> RowsOf(const std::string& folder, const File& file) {
   std::ifstream stream(folder + file[0], std::ios::binary);
   std::string text{std::istreambuf_iterator<char>(stream), {}};
-  text = FromCodePage(text.substr(0, text.find('\r')));
-  std::istringstream split(text);
+  std::istringstream split(text.substr(0, text.find('\r')));
   std::vector<std::string> lines;
   for (std::string line; std::getline(split, line);) lines.push_back(line);
   std::vector<Row> rows;
@@ -102,8 +84,6 @@ std::string Folded(const std::string& text) {
   ReplaceAll(folded, "\xC3\x84", "\xC3\xA4");
   return folded;
 }
-
-std::string DateAndTime(std::time_t time) { return Date(time, "%-m/%-d/%Y %-I:%M:%S %p"); }
 
 Files FilesIn(const std::string& folder) {
   Files files;

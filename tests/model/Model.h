@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <ctime>
 #include <string>
 #include <vector>
 
@@ -18,8 +17,6 @@ using Files = std::vector<File>;
 Files FilesIn(const std::string& folder);
 /// Whether a reader opens the file: ordinary and not hidden.
 bool IsReadable(const std::string& folder, const std::string& name);
-/// In the general form of the region.
-std::string DateAndTime(std::time_t time);
 std::string Folded(const std::string& text);
 
 struct Row {
@@ -46,7 +43,7 @@ struct Program {
   std::string Folder;
   Files Known;
   bool Pending = false, Stale = true, Minimised = false, Visible = true;
-  bool SaveLog = false, ToTray = true, Sound1 = true, Sound2 = true;
+  bool SaveLog = false;
 
   bool Watching = false;   ///< As the buttons show.
   bool Requested = false;  ///< A start was clicked and its first scan has not begun.

@@ -56,6 +56,19 @@ TEST(Regional, NumbersAndDatesFollowTheMask) {
   }
 }
 
+TEST(Regional, NumericTexts) {
+  const std::pair<std::string, double> numbers[] = {
+      {"1,048,576", 1048576}, {".5", 0.5}, {"5.", 5}, {"-1,000.25E-2", -10.0025}, {" +12 ", 12}};
+  for (const auto& [text, value] : numbers) {
+    EXPECT_TRUE(IsNumeric(text)) << text;
+    EXPECT_DOUBLE_EQ(CDbl(text), value) << text;
+  }
+  for (const char* text : {"", " ", "12x", "1 2", "-", ".", "1,", ",1", "1,,2", "1e", "1.2.3",
+                           "1.2,3", "--1", "inf", "nan", "0x10", "1e999"}) {
+    EXPECT_FALSE(IsNumeric(text)) << text;
+  }
+}
+
 TEST(Regional, DatesAreReadYearFirstOrInTheRegionalOrder) {
   const std::pair<std::string, std::string> cases[] = {{" 2004-2-29 1:02 ", "2004-02-29 01:02:00"},
                                                        {"5/1/04 13:00", "2004-05-01 13:00:00"},
@@ -73,7 +86,11 @@ TEST(Regional, DatesAreReadYearFirstOrInTheRegionalOrder) {
   }
 }
 
-TEST(Regional, AnExpiryBefore1601InItsZoneIsNone) {
+TEST(Regional, AnExpiryIsADateOfItsZoneOrNone) {
+  const std::pair<std::string, std::string> cases[] = {
+      {" \t+30000000x", "2009-04-22"}, {"never", "1601-01-01"}, {"-0.51", "-"},
+      {"617110110", "9999-12-31"},     {"617110111", "-"},      {"4294967295", "-"}};
+  for (const auto& [text, date] : cases) EXPECT_EQ(ExpireDateText(text), date) << text;
   setenv("TZ", "America/New_York", 1);
   tzset();
   // The offset is looked up once a second.

@@ -65,6 +65,9 @@ TEST_F(Cleaner, HeedsABoxThatIsUntickedWhileTheQuestionStands) {
   QTimer::singleShot(0, [this] { Check1_.Value(0); });
   EXPECT_EQ(Run(1, 0), BothBoxes);
   EXPECT_TRUE(folder_.Has("home/cookies/a.txt"));
+  EXPECT_EQ(Run(1, 0), BothBoxes);
+  EXPECT_FALSE(folder_.Has("home/cookies/a.txt"));
+  EXPECT_TRUE(folder_.Has("home/recent/a.txt"));
 }
 
 TEST_F(Cleaner, DeletesNothingInAFolderThatIsMoreThanWhatItIsFor) {

@@ -89,13 +89,19 @@ TEST_F(Cookies, ADeletionNeverTakesANameForMoreThanOneFile) {
   EXPECT_TRUE(folder_.Has("sub/inner.txt"));
 }
 
-TEST_F(Cookies, ARestoredOrderBringsUpNoPageThatIsOutOfSight) {
-  for (const char* server : {"b", "a"}) list_.Add(server).Tag(std::string("tag\0of ", 7) + server);
+TEST_F(Cookies, ASortByDateKeepsTheTagsAndARestoredOneThePageOutOfSight) {
+  for (const char* date : {"2004-03-05", "-", "1999-01-01"}) {
+    list_.Add(date).Tag(std::string("tag\0of ", 7) + date);
+  }
   SortListView(list_, 1, SortDate, true);
+  EXPECT_EQ(ColumnOf(list_, 1), Cells({"1999-01-01", "2004-03-05", "-"}))
+      << "what is no date stands with the date before it";
+  SortListView(list_, 1, SortDate, false);
   list_.Visible(false);
   RestoreSortOrder(list_);
   EXPECT_FALSE(list_.Visible());
-  for (int row = 1; row <= 2; ++row) {
+  EXPECT_EQ(ColumnOf(list_, 1), Cells({"2004-03-05", "-", "1999-01-01"}));
+  for (int row = 1; row <= 3; ++row) {
     EXPECT_EQ(list_.Item(row).Tag(), std::string("tag\0of ", 7) + list_.Item(row).Text());
   }
 }

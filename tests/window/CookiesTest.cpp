@@ -97,10 +97,10 @@ TEST_F(Cookies, ASortByDateKeepsTheTagsAndARestoredOneThePageOutOfSight) {
   EXPECT_EQ(ColumnOf(list_, 1), Cells({"1999-01-01", "2004-03-05", "-"}))
       << "what is no date stands with the date before it";
   SortListView(list_, 1, SortDate, false);
+  EXPECT_EQ(ColumnOf(list_, 1), Cells({"2004-03-05", "-", "1999-01-01"}));
   list_.Visible(false);
   RestoreSortOrder(list_);
   EXPECT_FALSE(list_.Visible());
-  EXPECT_EQ(ColumnOf(list_, 1), Cells({"2004-03-05", "-", "1999-01-01"}));
   for (int row = 1; row <= 3; ++row) {
     EXPECT_EQ(list_.Item(row).Tag(), std::string("tag\0of ", 7) + list_.Item(row).Text());
   }

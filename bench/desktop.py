@@ -4,9 +4,12 @@ The program is the one that users run. Beside it runs a bare window of the same 
 """
 
 import ctypes
+import os
 import random
+import shutil
 import statistics
 import sys
+import threading
 import time
 from pathlib import Path
 
@@ -48,7 +51,7 @@ class Screen:
         self.test.XTestFakeButtonEvent(self.display, 1, 0, 0)
         self.x.XFlush(self.display)
 
-    def seconds_to_change(self, point, act, most=30):
+    def seconds_to_change(self, point, act, most=30, poll=POLL):
         """From just before `act()` to the moment when that pixel of the screen looks different."""
         before = self.pixel(*point)
         begin = time.monotonic()
@@ -56,7 +59,7 @@ class Screen:
         while self.pixel(*point) == before:
             if time.monotonic() - begin > most:
                 raise AssertionError("nothing has changed on the screen")
-            time.sleep(POLL)  # or else the X server would be busy with the answers
+            time.sleep(poll)  # or else the X server would be busy with the answers
         return time.monotonic() - begin
 
 
@@ -132,10 +135,11 @@ class TwoTabs:
     def shown(self):
         return self.screen.pixel(*self.page)
 
-    def switch(self, number):
+    def switch(self, number, poll=POLL):
         """One of the two in turn."""
         tab = self.first if number % 2 == 0 else self.other
-        return self.screen.seconds_to_change(self.page, lambda: self.screen.click(tab, self.row))
+        return self.screen.seconds_to_change(
+            self.page, lambda: self.screen.click(tab, self.row), poll=poll)
 
 
 def timed_clicks(click, count):
@@ -155,6 +159,34 @@ def clicks_on_program(desktop, screen, count):
     times = timed_clicks(TwoTabs(screen, program).switch, count)
     program.kill()
     return times
+
+
+def measure_clicks_in_rebuilds(desktop, screen, cookies, count):
+    """The same while one file of a large folder changes again and again, so that the list of its
+    cookies is rebuilt nearly all the time: median and worst."""
+    program = Program(desktop, accessible=False)
+    shutil.copytree(cookies, program.cookies, dirs_exist_ok=True)
+    program.start().activate()
+    time.sleep(3)
+    changed = min(program.cookies.iterdir())
+    ended = threading.Event()
+
+    def change():
+        while not ended.wait(0.6):
+            os.utime(changed)
+
+    changes = threading.Thread(target=change)
+    tabs = TwoTabs(screen, program)
+    changes.start()
+    samples = []
+    for number in range(count):
+        time.sleep(random.uniform(0, 0.5))
+        samples.append(tabs.switch(number, poll=0.005))  # leaves the processors to the program
+    ended.set()
+    changes.join()
+    program.kill()
+    shutil.rmtree(program.folder.parent)
+    return statistics.median(samples), max(samples)
 
 
 def clicks_on_bare(desktop, screen, bare, count):

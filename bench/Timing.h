@@ -1,6 +1,7 @@
 #pragma once
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <sys/resource.h>
 #include <vector>
@@ -18,13 +19,21 @@ inline double ProcessorSeconds() {
 }
 
 /// Processor seconds, user and system, that `work` takes in this process and in those that it
-/// starts and waits for. All that is measured is one thread's work on warm caches, so on a machine
-/// with nothing else to do they are the seconds that a user waits; on a busy one they still are.
+/// starts and waits for. What is measured so is one thread's work on warm caches: on a machine with
+/// nothing else to do these are the seconds that a user waits; on a busy one they still are.
 template <typename Work>
 double SecondsOf(Work work) {
   const double before = ProcessorSeconds();
   work();
   return ProcessorSeconds() - before;
+}
+
+/// Seconds by the clock, for work that two threads share: what a user waits.
+template <typename Work>
+double ElapsedSecondsOf(Work work) {
+  const auto before = std::chrono::steady_clock::now();
+  work();
+  return std::chrono::duration<double>(std::chrono::steady_clock::now() - before).count();
 }
 
 inline double Median(std::vector<double> values) {

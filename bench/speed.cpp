@@ -89,9 +89,9 @@ void ReadBare() {
 void MeasureRead(const Request& asked) {
   const auto read = [] {
     ClearCookieRows();
-    return SecondsOf(ReadCookies);
+    return ElapsedSecondsOf(ReadCookies);
   };
-  Print("read", TakeTurns(asked.Rounds, read, [] { return SecondsOf(ReadBare); }));
+  Print("read", TakeTurns(asked.Rounds, read, [] { return ElapsedSecondsOf(ReadBare); }));
 }
 
 std::size_t BytesInUse() {

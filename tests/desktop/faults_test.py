@@ -136,7 +136,9 @@ class FaultsTest(DesktopTest):
 
     def check_end(self, program, end=None):
         self.assertEqual((end or program.end)(), 0)
-        self.assertEqual((program.folder.parent / "stderr").read_text(), "")
+        # The font library has its own word on a home in which it can keep nothing.
+        complaints = (program.folder.parent / "stderr").read_text().splitlines()
+        self.assertEqual([line for line in complaints if not line.startswith("Fontconfig ")], [])
 
     def test_full_disk(self):
         program = self.program(config=SAVE_LOG)

@@ -143,7 +143,7 @@ class FaultsTest(DesktopTest):
     def test_full_disk(self):
         program = self.program(config=SAVE_LOG)
         disk = program.folder.with_name("disk")
-        self.mount(disk, "-t", "tmpfs", "-o", "size=8m", "none")
+        self.mount(disk, "-t", "tmpfs", "-o", "size=200m", "none")
         program.folder = Path(shutil.move(program.folder, disk / "app"))
         self.mount(Path(program.env["XDG_CONFIG_HOME"]), "-t", "tmpfs", "-o", "size=64k", "none")
         autostart = Path(program.env["XDG_CONFIG_HOME"]) / "autostart"

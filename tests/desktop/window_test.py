@@ -277,7 +277,7 @@ class WindowTest(DesktopTest):
                     "-set", "RESOURCE_MANAGER", resources)
                 self.begin(env=env)
                 (self.shown.folder.parent / "config/kdeglobals").write_text(DARK_COLOURS)
-                self.shown.start()
+                self.shown.start().activate()
                 self.wait_for_focus(BUTTONS[1][:2])
                 self.check_size(MAIN, scale)
                 for tab, page in TABS.items():

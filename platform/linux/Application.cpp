@@ -139,7 +139,7 @@ int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Fo
   const std::unique_ptr<Form> form = startUp();
   UnloadOnSignal(*form);
   application.StartUp = form.get();
-  std::atexit(UnloadAtExit);
+  [[maybe_unused]] const int noted = std::atexit(UnloadAtExit);
   form->Load();
   return QApplication::exec();
 }

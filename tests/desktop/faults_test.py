@@ -373,6 +373,9 @@ class FaultsTest(DesktopTest):
                 clear(path)
             chance.choice(acts + acts[:1] * 5)(path)
             time.sleep(chance.choice((0, 0.001, 0.02)))
+        # A last change: a lock alone, put on a file that was listed meanwhile, is none.
+        paths.append(program.cookies / "last.txt")
+        paths[-1].write_bytes(cookies("last"))
         readable = sorted(path.name for path in paths if path.is_file()
                           and path.stat().st_mode & 0o400)
         program.select_tab("Cookies")

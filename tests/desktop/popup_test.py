@@ -59,7 +59,7 @@ class PopupTest(DesktopTest):
             for popup in range(20):
                 (program.cookies / f"{number}-{popup}.txt").touch()
             run("xdotool", "type", "--delay", 15, letters)
-        self.assertTrue(self.popups())
+        wait_until(self.popups, "popups")
 
         def typed():
             return "".join(re.findall(

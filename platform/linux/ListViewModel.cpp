@@ -281,7 +281,7 @@ QVariant ListViewModel::data(const QModelIndex& index, int role) const {
   if (role == Qt::AccessibleTextRole) return DisplayText(cell);
   if (role == Qt::DisplayRole) {
     // A character has three bytes at most, or four for two; one more may be cut in two.
-    constexpr auto MostBytes = static_cast<std::size_t>(3 * (MostShown + 1));
+    constexpr std::size_t MostBytes = 3 * (static_cast<std::size_t>(MostShown) + 1);
     return DisplayText(cell.substr(0, MostBytes)).left(MostShown);
   }
   if (role != Qt::TextAlignmentRole) return {};

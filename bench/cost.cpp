@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <map>
@@ -13,9 +14,11 @@
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
 #include "platform/Application.h"
+#include "ui/FormMain.h"
 
-// cost FOLDER: does each piece of work once more, on two thousand files made in that folder, for
-// Callgrind to count its instructions. cost_guard reads the counts.
+// cost work FOLDER: does each piece of work once more, on two thousand files made in that folder.
+// cost rest FOLDER: watches that folder for a while, in which nothing happens.
+// Callgrind counts the instructions of both; cost_guard reads the counts.
 
 namespace {
 
@@ -68,11 +71,36 @@ class CostForm : public CookieLists {
   }
 };
 
+/// The main window as it is, watching; what the start sets off is over after a while.
+class RestingForm : public FormMain {
+ public:
+  RestingForm() {
+    begin_.Tick = [this] {
+      begin_.Enabled(false);
+      end_.Enabled(true);
+      CALLGRIND_START_INSTRUMENTATION;
+      CALLGRIND_ZERO_STATS;
+    };
+    end_.Tick = [] {
+      CALLGRIND_DUMP_STATS_AT("rest");
+      std::_Exit(PublicDim.WatchHandle > 0 ? 0 : 1);
+    };
+  }
+
+ private:
+  platform::Timer begin_{3000, true};
+  platform::Timer end_{5000, false};
+};
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) return 2;
-  MakeCookieFolder(argv[1], Files);
-  UseCookieFolder(argv[1]);
+  if (argc != 3) return 2;
+  if (argv[1] == std::string("rest")) {
+    setenv("XDG_DATA_HOME", argv[2], 1);
+    return platform::RunApplication(argc, argv, [] { return std::make_unique<RestingForm>(); });
+  }
+  MakeCookieFolder(argv[2], Files);
+  UseCookieFolder(argv[2]);
   return platform::RunApplication(argc, argv, [] { return std::make_unique<CostForm>(); });
 }

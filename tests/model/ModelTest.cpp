@@ -19,7 +19,6 @@
 #include <gtest/gtest.h>
 
 #include "core/PublicDim.h"
-#include "monitor/ScanDisk.h"
 #include "platform/linux/Widgets.h"
 #include "tests/CookieFolder.h"
 #include "tests/model/Model.h"
@@ -464,30 +463,6 @@ TEST(Model, TheProgramDoesWhatAPlainModelOfItSays) {
     ModelRun(seed).Go(steps);
   }
   qputenv("TMPDIR", usual.c_str());
-}
-
-// A directory in memory lists what is new before what is old: a file that is replaced while a large
-// one is read moves to where the reading has been.
-TEST(Scan, MissesNoFileThatIsReplacedMeanwhile) {
-  if (!fs::is_directory("/dev/shm")) GTEST_SKIP();
-  const TemporaryFolder folder("/dev/shm");
-  PublicDim = {};
-  PublicDim.CookieDir = folder.Path();
-  constexpr int Count = 3000;
-  const auto name = [](int i) { return "cookie file " + std::to_string(i) + ".txt"; };
-  for (int i = 0; i < Count; ++i) std::ofstream(folder.Path(name(i)));
-  int replaced = 0;
-  InYield = [&] {
-    if (replaced == Count) return;
-    std::ofstream(folder.Path("new")) << "text";
-    fs::rename(folder.Path("new"), folder.Path(name(replaced++)));
-  };
-  TakeFirstSnapshot();
-  InYield = nullptr;
-  std::set<std::string> found;
-  for (const CookieFileRow& row : PublicDim.KnownRows) found.insert(row.FileName);
-  EXPECT_EQ(found.size(), static_cast<std::size_t>(Count));
-  EXPECT_EQ(PublicDim.KnownRows.size(), static_cast<std::size_t>(Count));
 }
 
 }  // namespace

@@ -13,12 +13,13 @@ import sys
 import time
 from pathlib import Path
 
-from harness import (SANITIZED, SAVE_LOG, Control, DesktopTest, cookies, key, main, options, run,
-                     wait_until)
+from harness import (SANITIZED, SAVE_LOG, Control, DesktopTest, Program, cookies, key, main,
+                     options, run, wait_until)
 
 # In a namespace of its own a test may mount, and what is forbidden is forbidden to root too.
 Pointer = ctypes.c_void_p
 INSIDE = "QUILLMERE_FAULTS_INSIDE"
+HIDDEN = "[Desktop Entry]\nHidden=true\n"
 
 
 def enter_namespace():
@@ -28,12 +29,6 @@ def enter_namespace():
     if INSIDE not in os.environ and subprocess.run([*wrapper, "true"], check=False).returncode == 0:
         os.environ[INSIDE] = "yes"
         os.execvp(wrapper[0], [*wrapper, sys.executable, "-B", *sys.argv])
-
-
-def used(program):
-    """Seconds of the processor."""
-    fields = Path(f"/proc/{program.process.pid}/stat").read_text().rsplit(")", 1)[1].split()
-    return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
 def shown(name):
@@ -113,11 +108,6 @@ class FaultsTest(DesktopTest):
         run("mount", *(how or ("-t", "tmpfs", "none")), place)
         self.addCleanup(run, "umount", "--lazy", place, check=False)
 
-    def check_rest(self, program):
-        before = used(program)
-        time.sleep(0.5)
-        self.assertLess(used(program) - before, 0.15)
-
     @contextlib.contextmanager
     def full(self, place):
         filler = place / "filler"
@@ -127,19 +117,6 @@ class FaultsTest(DesktopTest):
         yield
         filler.unlink()
 
-    def windows(self, program, name):
-        return run("xdotool", "search", "--onlyvisible", "--all", "--pid", program.process.pid,
-                   "--name", f"^{name}$", check=False).split()
-
-    def popups(self, program):
-        return len(self.windows(program, "Quillmere")) - 1
-
-    def check_end(self, program, end=None):
-        self.assertEqual((end or program.end)(), 0)
-        # The font library has its own word on a home in which it can keep nothing.
-        complaints = (program.folder.parent / "stderr").read_text().splitlines()
-        self.assertEqual([line for line in complaints if not line.startswith("Fontconfig ")], [])
-
     def test_full_disk(self):
         program = self.program(config=SAVE_LOG)
         disk = program.folder.with_name("disk")
@@ -148,27 +125,24 @@ class FaultsTest(DesktopTest):
         self.mount(Path(program.env["XDG_CONFIG_HOME"]), "-t", "tmpfs", "-o", "size=64k", "none")
         autostart = Path(program.env["XDG_CONFIG_HOME"]) / "autostart"
         autostart.mkdir()
-        (autostart / "quillmere.desktop").write_text("[Desktop Entry]\nHidden=true\n")
+        (autostart / "quillmere.desktop").write_text(HIDDEN)
         program.start()
         log = program.folder / "log" / time.strftime("%Y%m%d.txt", time.gmtime(time.time() + 19800))
         # The next line begins in the last block and needs one more.
         log.write_bytes(b"x" * 4084 + b"\r\n")
         with self.full(disk), self.full(autostart.parent):
             (program.cookies / "lost.txt").touch()
-            wait_until(lambda: self.popups(program) == 1, "the popup")
+            self.wait_for_equal(lambda: len(program.windows("Quillmere")), 2)  # one is the popup
             self.assertIn("added: lost.txt", program.log_lines()[0])
             self.assertEqual(log.stat().st_size, 4086)
             program.select_tab("Options")
-            box = program.check_box("Start with windows")
-            box.click()
-            wait_until(lambda: box.checked, "the tick")
-            self.assertEqual(os.listdir(autostart), ["quillmere.desktop"])
-            self.assertIn("Hidden", (autostart / "quillmere.desktop").read_text())
+            program.tick("Start with windows")
+            self.assertEqual({path.read_text() for path in autostart.iterdir()}, {HIDDEN})
         (program.cookies / "kept.txt").touch()
         lines = program.wait_for_log(2)
         self.assertIn("added: kept.txt", lines[1])
         self.assertNotIn("lost", "".join(lines))
-        program.check_box("Minimize to system tray").click()
+        program.tick("Minimize to system tray")
         with self.full(disk):
             self.check_end(program)
         self.assertEqual((program.folder / "config.ini").read_bytes(), SAVE_LOG)
@@ -216,8 +190,7 @@ class FaultsTest(DesktopTest):
                 told = [("+ " if "added" in line else "- ") + line.split(".txt")[0][-1]
                         for line in lines]
                 self.assertEqual(told, expected)
-                if deed is act:
-                    self.check_rest(program)
+                program.wait_for_rest()
         (folder / "a.txt").write_text("changed")
         self.assertIn("modified: a.txt", program.wait_for_log(count + 1)[-1])
         self.check_end(program)
@@ -225,19 +198,16 @@ class FaultsTest(DesktopTest):
     def test_without_a_desktop_around_it(self):
         """No bus, no tray, no sound, no home: the window is there, and nothing is complained of."""
         locked = self.desktop.home / "locked"
-        locked.mkdir()
-        locked.chmod(0o500)
+        locked.mkdir(0o500)
         for home in ("/nowhere/at/all", str(locked), "/dev/null"):
             with self.subTest(home):
                 program = self.program(accessible=False)
-                for name in [name for name in program.env if name.startswith("XDG_")]:
-                    del program.env[name]
-                del program.env["DBUS_SESSION_BUS_ADDRESS"]
-                program.env["HOME"] = home
+                program.env = {name: value for name, value in program.env.items()
+                               if not name.startswith(("XDG_", "DBUS_"))} | {"HOME": home}
                 program.watching = program.find_window  # there may be no folder to watch
                 program.start()
-                self.check_rest(program)
-                self.check_end(program, program.close)
+                program.wait_for_rest()
+                self.check_end(program, Program.close)
                 self.assertTrue((program.folder / "config.ini").exists())
 
     def test_end_of_the_session(self):
@@ -267,9 +237,8 @@ class FaultsTest(DesktopTest):
         self.assertEqual(config.read_bytes(), SAVE_LOG)
 
     def test_x_server_goes(self):
-        server = self.desktop.start("Xvfb", "-displayfd", "1", "-nolisten", "tcp",
-                                    stdout=subprocess.PIPE, text=True)
-        display = ":" + server.stdout.readline().strip()
+        display = self.desktop.start_display()
+        server = self.desktop.processes[-1]
         program = self.started(env={"DISPLAY": display}, accessible=False)
         server.kill()
         self.assertEqual(program.process.wait(10), 0)
@@ -288,9 +257,9 @@ class FaultsTest(DesktopTest):
             for name in names:
                 Path(os.fsdecode(folder + b"/" + name)).write_bytes(cookies("c"))
         program.wait_for_log(len(names))
-        lines = program.log_file().split(b"\r\n")
-        self.assertEqual(len(lines), len(names) + 1)
-        self.assertFalse([line for line in lines if b"\n" in line or b"\r" in line])
+        lines = program.log_file().splitlines(keepends=True)
+        self.assertEqual(len(lines), len(names))
+        self.assertTrue(all(line.endswith(b"\r\n") for line in lines))
         self.assertEqual(len(program.log_lines()), len(names))
         table = program.control("tree", "Cookies")
 
@@ -298,17 +267,13 @@ class FaultsTest(DesktopTest):
             return [row[4] for row in table.rows()]
 
         self.wait_for_equal(lambda: sorted(files()), sorted(map(shown, names)))
-        program.button("Stop").press()  # nothing else moves the rows from now on
-        wait_until(lambda: program.button("Start").enabled, "the stop")
+        program.switch_watch("Stop")  # nothing else moves the rows from now on
         Control(table.accessible.get_table_iface().get_accessible_at(0, 0)).click()
         for number, name in enumerate(names[:-1], 1):
-            at = files().index(shown(name))
-            key("Home", *["Down"] * at, "Menu")
-            wait_until(lambda: self.windows(program, ""), "the menu")
-            key("Down", "Down", "Return")
-            wait_until(lambda: program.count("push button", "Yes"), "the question")
+            key("Home", *["Down"] * files().index(shown(name)))
+            program.choose(2)
+            program.button("Yes")
             key("Return")
-            wait_until(lambda: not program.count("push button", "Yes"), "the question to go")
             self.wait_for_equal(lambda: sorted(files()), sorted(map(shown, names[number:])))
             self.assertEqual(set(os.listdir(folder)), set(names[number:]))
         self.check_end(program)
@@ -344,8 +309,8 @@ class FaultsTest(DesktopTest):
             line, = (program.folder / f"log/{day}.txt").read_text().splitlines()
             self.assertTrue(line.startswith(text), line)
             self.assertTrue(line.endswith(f"added: {number}.txt,  bytes, {began}"), line)
-        wait_until(lambda: self.popups(program) == 0, "the popups to close", 10)
-        self.check_rest(program)
+        self.wait_for_equal(lambda: len(program.windows("Quillmere")), 1)  # all popups have closed
+        program.wait_for_rest()
         self.mount(Path("/etc/localtime"), "--bind", "/usr/share/zoneinfo/Asia/Kolkata")
         change("2004-05-01 20:00:00", 3)
         for number in range(3):  # whose texts are others now
@@ -382,35 +347,25 @@ class FaultsTest(DesktopTest):
         program.select_tab("Cookies")
         table = program.control("tree", "Cookies")
         self.wait_for_equal(lambda: sorted({row[4] for row in table.rows()}), readable)
-        self.check_rest(program)
+        program.wait_for_rest()
         self.check_end(program)
 
     def test_sound_server_dies_and_comes_back(self):
-        place = f"unix:{self.desktop.home}/runtime/sound"
-
-        def served():
-            server = self.desktop.start(
-                "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-                "-L", "module-null-sink",
-                "-L", f"module-native-protocol-unix socket={place[5:]} auth-anonymous=1")
-            wait_until(lambda: "Null" in run("pactl", "--server", place, "list", "sinks",
-                                             check=False), "the sound server")
-            return server
-
         def heard():
             (program.cookies / f"{time.monotonic()}.txt").touch()
             with contextlib.suppress(AssertionError):
-                return wait_until(lambda: run("pactl", "--server", place, "list", "short",
-                                              "sink-inputs", check=False), "a sound", 2)
+                return wait_until(lambda: run("pactl", "--server", place["PULSE_SERVER"], "list",
+                                              "short", "sink-inputs", check=False), "a sound", 2)
 
-        server = served()
-        program = self.started(config=options(sound1=True), env={"PULSE_SERVER": place})
+        place = self.desktop.start_sound_server()
+        server = self.desktop.processes[-1]
+        program = self.started(config=options(sound1=True), env=place)
         wait_until(heard, "the sound")
         server.kill()
         server.wait()
         self.assertFalse(heard())
         time.sleep(2.5)  # the toolkit tries again after three seconds
-        served()
+        self.desktop.start_sound_server()
         wait_until(heard, "the sound after the return")
         self.check_end(program)
 

@@ -3,7 +3,6 @@
 import array
 import cmath
 import socket
-import subprocess
 
 from harness import DesktopTest, cookies, main, options, wait_until
 
@@ -22,7 +21,6 @@ def strength(samples, frequency):
 
 
 def sounds_in(samples):
-    """Which of the sounds are heard."""
     windows = [samples[start:start + WINDOW] for start in range(0, len(samples) - WINDOW, WINDOW)]
     return {sound for sound, notes in NOTES.items()
             if any(strength(window, note) > LOUD for window in windows for note in notes)}
@@ -32,14 +30,7 @@ class SoundTest(DesktopTest):
     @classmethod
     def setUpClass(cls):
         super().setUpClass()
-        place = cls.desktop.home / "runtime/sound"
-        cls.server = {"PULSE_SERVER": f"unix:{place}"}
-        cls.desktop.start(
-            "pulseaudio", "-n", "--daemonize=no", "--use-pid-file=no", "--exit-idle-time=-1",
-            "-L", "module-null-sink sink_name=nothing",
-            "-L", f"module-native-protocol-unix socket={place} auth-anonymous=1")
-        wait_until(lambda: subprocess.run(["pactl", "info"], env=cls.desktop.env | cls.server,
-                                          capture_output=True).returncode == 0, "the sound server")
+        cls.server = cls.desktop.start_sound_server()
         cls.recording = cls.desktop.home / "recording"
         cls.desktop.start(
             "parec", "--device=nothing.monitor", "--raw", "--format=s16le", f"--rate={RATE}",
@@ -61,11 +52,13 @@ class SoundTest(DesktopTest):
         samples = array.array("h", self.recording.read_bytes()[2 * start:2 * end])
         self.assertEqual(sounds_in(samples), set(expected))
 
-    def check_change(self, program, expected, work):
-        """A piece of work in the folder, the line that tells of it, and what is heard."""
+    def check_change(self, program, expected, *works):
+        """Works in the folder that are one change, the line that tells of it, and what is heard."""
         def action():
             lines = program.log_file().count(b"\n")
-            work()
+            with program.paused():
+                for work in works:
+                    work()
             program.wait_for_log(lines + 1)
         self.check_heard(expected, action)
 
@@ -88,19 +81,10 @@ class SoundTest(DesktopTest):
                                    "jane[1].txt"])
         program.select_tab("Search")
         program.button("Search").click()
-        found, = wait_until(lambda: program.control("tree", "Search results").rows(), "the hit")
-        self.assertEqual(found, row)
+        self.wait_for_equal(program.control("tree", "Search results").rows, [row])
         wait_until(lambda: len(program.windows("Quillmere")) == 1, "the popup to close by itself")
-
-        def both():
-            with program.paused():
-                file.write_bytes(b"")
-                other.unlink()
-
         self.check_change(program, [], lambda: file.write_bytes(content * 2))
-        self.check_change(program, ["removed"], file.unlink)
-        self.check_change(program, ["added"], lambda: other.write_bytes(content))
-        self.check_change(program, ["added", "removed"], both)
+        self.check_change(program, ["added", "removed"], other.touch, file.unlink)
 
     def test_options_and_play_buttons(self):
         program = self.started(config=options(sound1=False, sound2=True), env=self.server)
@@ -108,9 +92,7 @@ class SoundTest(DesktopTest):
         self.check_change(program, [], file.touch)
         self.check_change(program, ["removed"], file.unlink)
         program.select_tab("Sound")
-        box = program.check_box("Play sound when a cookie file is removed")
-        box.click()
-        wait_until(lambda: not box.checked, "the box without its tick")
+        program.tick("Play sound when a cookie file is removed")
         buttons = sorted(program.controls("push button", "Play"), key=lambda b: b.place()[1])
         for button, sound in zip(buttons, NOTES):
             self.check_heard([sound], button.click)
@@ -118,8 +100,7 @@ class SoundTest(DesktopTest):
         (program.folder / "sound/2.wav").write_text("no sound at all")
         for button in buttons:
             self.check_heard([], button.click)
-        file.touch()
-        program.wait_for_log(3)
+        self.check_change(program, [], file.touch)
         self.check_change(program, [], file.unlink)
         self.check_end(program)
 

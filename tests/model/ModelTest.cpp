@@ -124,7 +124,7 @@ class ModelRun {
     if (kind < 4) return form_.CmdStop.Enabled() ? Stop() : Start();
     busy_ = true;
     gone_.clear();
-    const std::set<std::string> before = Entries();
+    std::set<std::string> left = Entries();
     if (kind < 40) {
       for (int i = 1 + Pick(3); i > 0; --i) ChangeFolder();
     } else if (kind < 62) {
@@ -161,9 +161,8 @@ class ModelRun {
     }
     answer_.stop();
     Check();
-    std::set<std::string> after = Entries();
-    after.insert(gone_.begin(), gone_.end());
-    if (kind >= 40) Require(after == before, "the folder's files");
+    for (const std::string& name : gone_) left.erase(name);
+    if (kind >= 40) Require(Entries() == left, "the folder's files");
     busy_ = false;
   }
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""compare_cookie_readers.py PRINT_COOKIES [COUNT]: two readers on the same cookie files.
+"""compare_cookie_readers.py PRINT_COOKIES COUNT: two readers on the same cookie files.
 
 PRINT_COOKIES is the program's own reader, built to print one line a row, in the folder's order:
 server, expiry date, cookie name, value, file, size, modified, divided by tabs; control characters
@@ -31,6 +31,6 @@ def compare(zone, program, folder):
 
 if __name__ == "__main__":
     with tempfile.TemporaryDirectory() as cookies:
-        make_cookies.make(cookies, int(sys.argv[2]) if len(sys.argv) > 2 else 10_000)
+        make_cookies.make(cookies, int(sys.argv[2]))
         same = [compare(zone, sys.argv[1], cookies) for zone in ("UTC", "Asia/Shanghai")]
     sys.exit(0 if all(same) else 1)

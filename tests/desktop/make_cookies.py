@@ -3,6 +3,7 @@ files (a folder, a pipe, a dangling link, a hidden file); and one file with a li
 
 import os
 import random
+from pathlib import Path
 
 LONG_LINE = 20_000_000
 HIGH_WORDS = [
@@ -32,21 +33,20 @@ def record(rng):
 
 def content(rng):
     lines = [line for _ in range(rng.choice([1, 1, 2, 2, 3, 4, 6])) for line in record(rng)]
-    kind = rng.randrange(12)
+    words = [rng.choice(WORDS) for _ in range(rng.randrange(41))]
+    at, kind = rng.randrange(len(lines)), rng.randrange(12)
     if kind == 0:  # stray lines that shift what follows
-        at = rng.randrange(len(lines) + 1)
-        lines[at:at] = [rng.choice(WORDS) for _ in range(rng.randrange(41))]
+        lines[at:at] = words
     elif kind == 1:  # cut anywhere
-        lines = lines[:rng.randrange(len(lines) + 1)]
+        lines = lines[:at]
     elif kind == 2:  # nothing but lines
-        lines = [rng.choice(WORDS) for _ in range(rng.randrange(41))]
+        lines = words
     elif kind == 3:
-        lines[rng.randrange(len(lines))] = b"before\rbehind"
+        lines[at] = b"before\rbehind"
     elif kind == 4:
-        at = rng.randrange(len(lines))
         lines[at:] = [line + b"\r" for line in lines[at:]]
     elif kind == 5:
-        lines[rng.randrange(len(lines))] = rng.randbytes(rng.randrange(60))
+        lines[at] = rng.randbytes(rng.randrange(60))
     data = b"".join(line + b"\n" for line in lines)
     if kind == 6:
         data = data[:-1]
@@ -61,28 +61,18 @@ def name(rng, number):
     return stem.replace(b"%d", b"%d" % number) + rng.choice([b".txt", b".txt", b".TXT", b".Txt"])
 
 
-def add_look_alikes(folder, rng):
-    good = b"".join(line + b"\n" for line in record(rng))
-    for other in (b".hidden.txt", b"cookie.txt.bak", b"txt", b"target"):
-        with open(os.path.join(folder, other), "wb") as file:
-            file.write(good)
-    os.mkdir(os.path.join(folder, b"folder.txt"))
-    os.mkfifo(os.path.join(folder, b"pipe.txt"))
-    os.symlink(b"target", os.path.join(folder, b"link.txt"))
-    os.symlink(b"nowhere", os.path.join(folder, b"dangling.txt"))
-
-
 def make(folder, count):
-    rng = random.Random(1)
-    folder = os.fsencode(folder)
+    rng, folder = random.Random(1), Path(folder)
     for number in range(count):
-        path = os.path.join(folder, name(rng, number))
-        with open(path, "wb") as file:
-            file.write(content(rng))
+        path = folder / os.fsdecode(name(rng, number))
+        path.write_bytes(content(rng))
         when = rng.randrange(-10**9, 2 * 10**9) * 10**9 + rng.randrange(10**9)
         os.utime(path, ns=(when, when))
-    with open(os.path.join(folder, b"long.txt"), "wb") as file:
-        lines = record(rng)
-        lines[1] = b"v" * LONG_LINE
-        file.write(b"".join(line + b"\n" for line in lines + record(rng)))
-    add_look_alikes(folder, rng)
+    good = b"\n".join(record(rng)) + b"\n"
+    (folder / "long.txt").write_bytes(b"name\n" + b"v" * LONG_LINE + b"\n" + b"7/\n" * 7 + good)
+    for other in (".hidden.txt", "cookie.txt.bak", "txt", "target"):
+        (folder / other).write_bytes(good)
+    (folder / "folder.txt").mkdir()
+    os.mkfifo(folder / "pipe.txt")
+    (folder / "link.txt").symlink_to("target")
+    (folder / "dangling.txt").symlink_to("nowhere")

@@ -71,21 +71,19 @@ class NotifierTray:
     def tool_tip(self):
         return self._property(*self.items()[0], ITEM, "ToolTip")[2]
 
-    def click(self):
-        self._call(*self.items()[0], ITEM, "Activate", "(ii)", 0, 0)
+    def click(self, button=1):
+        """By the right button as a host does it that draws no menus."""
+        method = {1: "Activate", 3: "ContextMenu"}[button]
+        self._call(*self.items()[0], ITEM, method, "(ii)", 0, 0)
 
     def double_click(self):
         """Hosts of this kind know whole clicks only."""
         self.click()
         self.click()
 
-    def right_click(self):
-        """What a host does that draws no menus."""
-        self._call(*self.items()[0], ITEM, "ContextMenu", "(ii)", 0, 0)
-
     def _menu(self):
-        service, path = self.items()[0]
-        return service, self._property(service, path, ITEM, "Menu"), MENU
+        item = self.items()[0]
+        return item[0], self._property(*item, ITEM, "Menu"), MENU
 
     def menu(self):
         """The menu that hosts draw: number and caption of each entry."""

@@ -3,7 +3,8 @@
 import re
 import time
 
-from harness import SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, main, run, wait_until
+from harness import (SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, end_process, main, run,
+                     wait_until)
 
 CLIENT = (3435 // TWIPS_PER_PIXEL, 1365 // TWIPS_PER_PIXEL)
 # Its outer size counts 120 x 420 twips of frame, whatever is drawn.
@@ -13,6 +14,11 @@ MOST_WINDOWS = 60
 LISTS_MEGABYTES = 15
 
 
+def listed():
+    """The windows on the screen, as the window manager lists them."""
+    return set(re.findall(r"0x[0-9a-f]+", run("xprop", "-root", "_NET_CLIENT_LIST")))
+
+
 def resident(program):
     """Megabytes."""
     text = open(f"/proc/{program.process.pid}/status").read()
@@ -20,37 +26,28 @@ def resident(program):
 
 
 class PopupTest(DesktopTest):
-    def popups(self):
-        """The popups that are mapped, as the window manager lists them."""
-        listed = re.findall(r"0x[0-9a-f]+", run("xprop", "-root", "_NET_CLIENT_LIST"))
-        # The look at the tree fails when a window goes meanwhile.
-        tree = wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
-        size = "{}x{}".format(*CLIENT)
-        small = re.findall(rf'^ +(0x\w+) "Quillmere": .* {size}\+', tree, re.MULTILINE)
-        return [window for window in listed if window in small]
-
     def test_place(self):
         """Three changes, three popups at one place, also with the window hidden."""
         program = self.started(switch=("/1",))
         with program.paused():
             for name in ("a.txt", "b.txt", "c.txt"):
                 (program.cookies / name).touch()
-        wait_until(lambda: len(self.popups()) == 3, "three popups")
-        for window in self.popups():
+        self.wait_for_equal(lambda: len(listed()), 3)
+        for window in listed():
             left, top, *size = program.geometry(window)
             frame = program.frame(window)
-            self.assertEqual((left - frame[0], top - frame[2]), CORNER)
-            self.assertEqual(tuple(size), CLIENT)
+            self.assertEqual((left - frame[0], top - frame[2], *size), CORNER + CLIENT)
             states = program.window_states(window)
-            self.assertIn("_NET_WM_STATE_ABOVE", states)
-            self.assertIn("_NET_WM_STATE_SKIP_TASKBAR", states)
+            self.assertRegex(states, "_NET_WM_STATE_ABOVE")
+            self.assertRegex(states, "_NET_WM_STATE_SKIP_TASKBAR")
 
     def test_keys_stay_where_they_are(self):
         """While popups open and close, every key reaches the window that the user types in."""
         program = self.started(config=SAVE_LOG)
         output = program.folder.parent / "keys"
         with open(output, "w") as file:
-            self.desktop.start("xev", "-event", "keyboard", stdout=file)
+            tester = self.desktop.start("xev", "-event", "keyboard", stdout=file)
+        self.addCleanup(end_process, tester)
         typing = wait_until(lambda: run("xdotool", "search", "--name", "^Event Tester$",
                                         check=False).split(), "the other window")[0]
         run("xdotool", "windowactivate", "--sync", typing)
@@ -59,26 +56,25 @@ class PopupTest(DesktopTest):
             for popup in range(20):
                 (program.cookies / f"{number}-{popup}.txt").touch()
             run("xdotool", "type", "--delay", 15, letters)
-        wait_until(self.popups, "popups")
-
-        def typed():
-            return "".join(re.findall(
-                r"KeyPress event.*?XLookupString gives 1 bytes: \(\w+\) \"(\w)\"",
-                output.read_text(), re.DOTALL))
-        self.wait_for_equal(typed, letters * 8)
+        wait_until(lambda: len(listed()) > 2, "popups")
+        self.wait_for_equal(lambda: "".join(re.findall(
+            r"KeyPress event.*?XLookupString gives 1 bytes: \(\w+\) \"(\w)\"",
+            output.read_text(), re.DOTALL)), letters * 8)
         self.assertEqual(run("xdotool", "getactivewindow").strip(), typing)
 
     def test_storm(self):
         """Ten thousand changes at once exhaust neither the display nor the memory."""
         program = self.started(config=SAVE_LOG, accessible=False)
+        wait_until(listed, "the window")
+        others = listed()
         highest, after = 0, []
         for count in (100, 10_000, 10_000):  # added, removed with more added, the rest removed
             with program.paused():
                 for number in range(count):
                     path = program.cookies / f"storm{number}.txt"
                     path.unlink() if path.exists() else path.touch()
-            wait_until(self.popups, "popups", 60)
-            while popups := self.popups():
+            wait_until(lambda: listed() - others, "popups", 60)
+            while popups := listed() - others:
                 self.assertLess(len(popups), MOST_WINDOWS)
                 highest = max(highest, resident(program))
                 time.sleep(0.1)

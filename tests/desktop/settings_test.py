@@ -10,10 +10,10 @@ from harness import DesktopTest, main, options, run, wait_until
 BOXES = {"Do not save log file": "Options", "Minimize to system tray": "Options",
          "Play sound when a new cookie file is added": "Sound",
          "Play sound when a cookie file is removed": "Sound"}
-CLOSE_BOX = None
-# The file and the switch, whether that starts hidden, the options then, and how it ends.
+# The file and the switch, whether that starts hidden, the options then, and how it ends: by the
+# close box or by a signal.
 STARTS = [
-    (options(True, False, False, True), (), False, (True, False, False, True), CLOSE_BOX),
+    (options(True, False, False, True), (), False, (True, False, False, True), None),
     (b"ToTray=0\rSaveLog=-1\rPlaySound1=1\rPlaySound2=0", (" /1 ",), True,
      (True, False, True, False), signal.SIGTERM),
     (b"ToTray=False\r\nToTray=\r\nToTray=nay\r\nSAVELOG=TRUE\r\n", ("/1 x",), False,
@@ -33,27 +33,17 @@ class SettingsTest(DesktopTest):
         save_log, *others = [program.check_box(caption).checked for caption in BOXES]
         return (not save_log, *others)
 
-    def stored(self, program):
-        return (program.folder / "config.ini").read_bytes()
-
-    def click(self, program, caption):
-        box = program.check_box(caption)
-        ticked = box.checked
-        box.click()
-        wait_until(lambda: box.checked != ticked, caption)
+    def check_stored(self, program, number, values):
+        self.assertEqual(program.end(number) if number else program.close(), 0)
+        self.assertEqual((program.folder / "config.ini").read_bytes(), options(*values))
 
     def test_starts_and_ends(self):
-        for content, switch, hidden, values, end in STARTS:
+        for content, switch, hidden, values, number in STARTS:
             with self.subTest(content, switch=switch):
                 program = self.started(config=content, switch=switch)
                 wait_until(lambda: program.mapped() != hidden, f"hidden: {hidden}")
                 self.assertEqual(self.shown(program), values)
-                if end is CLOSE_BOX:
-                    self.assertEqual(program.close(), 0)
-                else:
-                    program.process.send_signal(end)
-                    self.assertEqual(program.process.wait(20), 0)
-                self.assertEqual(self.stored(program), options(*values))
+                self.check_stored(program, number, values)
 
     def test_every_tick(self):
         """What is ticked counts at once and is in the file after the end; the folder's name may
@@ -66,14 +56,12 @@ class SettingsTest(DesktopTest):
         self.assertEqual(program.log_file(), b"")
         for caption, tab in BOXES.items():
             program.select_tab(tab)
-            self.click(program, caption)
+            program.tick(caption)
         (program.cookies / "saved.txt").touch()
         self.assertEqual(program.wait_for_log(1), program.log_lines()[1:])
         self.assertFalse((program.folder / "config.ini").exists())
-        program.button("Stop").click()
-        wait_until(lambda: program.button("Start").enabled, "the stop")
-        self.assertEqual(program.close(), 0)
-        self.assertEqual(self.stored(program), options(True, False, False, False))
+        program.switch_watch("Stop")
+        self.check_stored(program, None, (True, False, False, False))
         program.start()
         self.assertEqual(self.shown(program), (True, False, False, False))
 
@@ -100,7 +88,7 @@ class SettingsTest(DesktopTest):
         program = self.started()
         entry = program.folder.parent / "config/autostart/Quillmere.desktop"
         program.select_tab("Options")
-        self.click(program, "Start with windows")
+        program.tick("Start with windows")
         wait_until(entry.exists, "the entry")
         self.check_autostart(program, entry)
         program.end()
@@ -108,9 +96,8 @@ class SettingsTest(DesktopTest):
         self.move(program, "it's \"50%\" %f a$HOME`x` back\\slash; &ü")
         program.start()
         self.check_autostart(program, entry)
-        self.assertTrue(program.check_box("Start with windows").checked)
         program.select_tab("Options")
-        self.click(program, "Start with windows")
+        program.tick("Start with windows")
         wait_until(lambda: not entry.exists(), "the entry to go")
 
 

@@ -28,12 +28,4 @@ class CookieFolder : public TemporaryFolder {
   }
 
   std::filesystem::path Path(std::string_view name) const { return TemporaryFolder::Path(name); }
-
-  /// Writes the file and makes it the last one of the baseline.
-  void Add(std::string_view name, std::string_view content, std::string_view sizeText = "136",
-           std::string_view modifiedText = "2004-12-20 10:15:30") const {
-    Write(name, content);
-    PublicDim.KnownRows.push_back(
-        {std::string(name), std::string(sizeText), std::string(modifiedText)});
-  }
 };

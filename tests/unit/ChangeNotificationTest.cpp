@@ -1,9 +1,5 @@
-#include <array>
 #include <chrono>
-#include <ctime>
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -34,20 +30,13 @@ class ChangeNotification : public testing::Test {
   std::string Watched(const std::string& name = {}) const {
     return folder_.Path("parent/watched/" + name);
   }
-  void Touch(const std::string& name, std::time_t seconds) const {
-    const std::array<timespec, 2> times{{{seconds, 0}, {seconds, 0}}};
-    EXPECT_EQ(utimensat(AT_FDCWD, Watched(name).c_str(), times.data(), 0), 0);
-  }
+  void Touch() const { fs::last_write_time(Watched("a.txt"), fs::file_time_type::clock::now()); }
 
   /// Whether a wait is signalled now; re-arms.
   bool Changed(std::uint32_t milliseconds = 0) {
     const bool changed = WaitForSingleObject(handle_, milliseconds) == WAIT_OBJECT_0;
     FindNextChangeNotification(handle_);
     return changed;
-  }
-  bool SeesAWrite() {
-    folder_.Write("parent/watched/later.txt");
-    return Changed() && !Changed();
   }
 
   TemporaryFolder folder_;
@@ -56,19 +45,14 @@ class ChangeNotification : public testing::Test {
 
 }  // namespace
 
-TEST_F(ChangeNotification, AFolderThatIsLostOrReplacedIsWatchedAgain) {
-  fs::remove_all(Watched());
-  EXPECT_TRUE(Changed());
-  EXPECT_FALSE(Changed() && Changed());
-  fs::create_directory(Watched());
-  EXPECT_TRUE(Changed());
-  EXPECT_TRUE(SeesAWrite());
-  // With its parent, of which no event tells.
+// Of which no event tells.
+TEST_F(ChangeNotification, AFolderThatGoesWithItsParentIsWatchedAgain) {
   fs::rename(folder_.Path("parent"), folder_.Path("aside"));
   fs::create_directories(Watched());
   EXPECT_TRUE(Changed(1100));
   EXPECT_FALSE(Changed() && Changed());
-  EXPECT_TRUE(SeesAWrite());
+  folder_.Write("parent/watched/new.txt");
+  EXPECT_TRUE(Changed());
   folder_.Write("aside/watched/old.txt");
   EXPECT_FALSE(Changed());
 }
@@ -80,12 +64,11 @@ TEST_F(ChangeNotification, AnOverflowIsAChangeAndLosesNoTouch) {
   for (int i = 0; i <= limit / 2 + 1; ++i) {  // Two events a turn; by themselves no change.
     fs::rename(Watched(i % 2 == 0 ? "sub" : "other"), Watched(i % 2 == 0 ? "other" : "sub"));
   }
-  Touch("a.txt", 1'000'000'000);
+  Touch();
   EXPECT_TRUE(Changed());
-  EXPECT_FALSE(Changed());
   chmod(Watched("a.txt").c_str(), 0600);
   EXPECT_FALSE(Changed()) << "the times are known again";
-  Touch("a.txt", 1'000'000'001);
+  Touch();
   EXPECT_TRUE(Changed());
 }
 
@@ -93,20 +76,21 @@ TEST_F(ChangeNotification, AWaitEndsForWindowEventsAndHandsOutNone) {
   int argc = 0;
   QCoreApplication application(argc, nullptr);
   QCoreApplication::processEvents();
-  for (const HANDLE handle : {handle_, INVALID_HANDLE_VALUE}) {
-    const auto start = Clock::now();
-    for (const int delay : {0, 20}) {
-      bool ticked = false;
-      QTimer::singleShot(delay, &application, [&] { ticked = true; });
-      for (int turn = 0; !ticked && turn < 5; ++turn) {
-        EXPECT_EQ(WaitForSingleObject(handle, 5000), WAIT_TIMEOUT);
-        EXPECT_FALSE(ticked);
-        QCoreApplication::processEvents();
-      }
-      EXPECT_TRUE(ticked) << delay;
+  const auto start = Clock::now();
+  for (const auto& [handle, delay] : {std::pair(handle_, 0),
+                                      {handle_, 20},
+                                      {INVALID_HANDLE_VALUE, 0},
+                                      {INVALID_HANDLE_VALUE, 20}}) {
+    bool ticked = false;
+    QTimer::singleShot(delay, &application, [&] { ticked = true; });
+    for (int turn = 0; !ticked && turn < 5; ++turn) {
+      EXPECT_EQ(WaitForSingleObject(handle, 5000), WAIT_TIMEOUT);
+      EXPECT_FALSE(ticked);
+      QCoreApplication::processEvents();
     }
-    EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
+    EXPECT_TRUE(ticked) << delay;
   }
+  EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
   QTimer::singleShot(0, &application, [] {});
   folder_.Write("parent/watched/new.txt");
   EXPECT_EQ(WaitForSingleObject(handle_, 50), WAIT_OBJECT_0) << "a change comes before events";
@@ -115,14 +99,7 @@ TEST_F(ChangeNotification, AWaitEndsForWindowEventsAndHandsOutNone) {
   EXPECT_TRUE(Changed()) << "a change before the re-arming satisfies the next wait";
 }
 
-TEST_F(ChangeNotification, AWaitAtRestUsesNoTimeAndWithoutAHandleFails) {
-  chmod(Watched("a.txt").c_str(), 0600);
-  const auto start = Clock::now();
-  const std::clock_t used = std::clock();
-  EXPECT_EQ(WaitForSingleObject(handle_, 300), WAIT_TIMEOUT);
-  EXPECT_EQ(WaitForSingleObject(INVALID_HANDLE_VALUE, 100), WAIT_TIMEOUT);
-  EXPECT_GE(Clock::now() - start, std::chrono::milliseconds(400));
-  EXPECT_LT(std::clock() - used, CLOCKS_PER_SEC / 20);
+TEST_F(ChangeNotification, WhatIsNoFolderOrClosedIsNotWatched) {
   FindCloseChangeNotification(handle_);
   EXPECT_EQ(WaitForSingleObject(handle_, 5000), WAIT_FAILED);
   const WorkingFolder working(folder_.Path());

@@ -1,22 +1,16 @@
-#include <chrono>
 #include <csignal>
-#include <set>
 #include <string>
+#include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <thread>
 #include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include "core/PublicDim.h"
-#include "core/SettingsFile.h"
 #include "platform/FileSearch.h"
 #include "platform/Files.h"
 #include "tests/unit/TemporaryFolder.h"
 
 using namespace platform;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -36,18 +30,6 @@ struct Mixture : TemporaryFolder {
   }
 };
 
-/// Saves settings without end in another process, and kills it in the midst of that.
-void KillWhileSaving(std::chrono::microseconds after) {
-  const pid_t child = fork();
-  while (child == 0) {
-    PublicDim.SaveLog = PublicDim.ToTray = !PublicDim.ToTray;
-    SaveConfig();
-  }
-  std::this_thread::sleep_for(after);
-  kill(child, SIGKILL);
-  waitpid(child, nullptr, 0);
-}
-
 }  // namespace
 
 TEST(Files, WhatIsNoAbsolutePathNamesNothing) {
@@ -56,9 +38,8 @@ TEST(Files, WhatIsNoAbsolutePathNamesNothing) {
   folder.Write("here.txt", "kept");
   folder.Write("\\here.txt", "kept");
   const std::string cut = folder.Path("here.txt") + std::string("\0x", 2);
-  for (const std::string& path : {std::string(), std::string("here.txt"), std::string("./here.txt"),
-                                  std::string("\\here.txt"), std::string("\\*.txt"),
-                                  std::string("*.*"), cut, std::string("C:\\here.txt")}) {
+  for (const std::string& path :
+       Names{"", "here.txt", "./here.txt", "\\here.txt", "\\*.txt", "*.*", cut, "C:\\here.txt"}) {
     WIN32_FIND_DATA data;
     EXPECT_EQ(FindFirstFileA(path, data), INVALID_HANDLE_VALUE) << path;
     EXPECT_EQ(Dir(path, vbDirectory | vbHidden), "") << path;
@@ -73,37 +54,42 @@ TEST(Files, WhatIsNoAbsolutePathNamesNothing) {
 }
 
 TEST(Files, KillTakesOneFileAndNothingElse) {
-  const struct {
-    std::string Name;
-    bool Gone;
-  } cases[] = {{"a.txt", true},       {"star*.txt", true},    {".hidden.txt", true},
-               {"link.txt", true},    {"tolocked.txt", true}, {"broken.txt", true},
-               {"locked.txt", false}, {"sub.txt", false},     {"sub.txt/", false},
-               {"pipe.txt", false},   {"none.txt", false}};
-  for (const auto& one : cases) {
+  const std::pair<std::string, bool> cases[] = {
+      {"a.txt", true},        {"star*.txt", true},  {".hidden.txt", true}, {"link.txt", true},
+      {"tolocked.txt", true}, {"broken.txt", true}, {"locked.txt", false}, {"sub.txt", false},
+      {"sub.txt/", false},    {"pipe.txt", false},  {"none.txt", false}};
+  for (const auto& [name, gone] : cases) {
     const Mixture folder;
     Names left = folder.Entries();
-    EXPECT_EQ(Kill(folder.Path(one.Name)), one.Gone) << one.Name;
-    if (one.Gone) left.erase(one.Name);
-    EXPECT_EQ(folder.Entries(), left) << one.Name;
+    EXPECT_EQ(Kill(folder.Path(name)), gone) << name;
+    if (gone) left.erase(name);
+    EXPECT_EQ(folder.Entries(), left) << name;
   }
+}
+
+TEST(Files, KillByAPatternTakesOrdinaryFilesThatAreInSight) {
+  const Mixture folder;
+  EXPECT_FALSE(Kill(folder.Path("*.*"))) << "one is locked";
+  EXPECT_EQ(folder.Entries(),
+            Names({".hidden.txt", "broken.txt", "locked.txt", "pipe.txt", "sub.txt", "tosub.txt"}));
+  EXPECT_TRUE(folder.Has("sub.txt/inside.txt"));
 }
 
 TEST(Files, InputOpensOrdinaryFilesOnlyAlsoInAFolderAtHand) {
   const Mixture folder;
-  const auto opens = [&folder](const char* name) { return InputFile(folder.Path(name)).IsOpen(); };
-  const auto expect = [&opens] {
-    for (const char* name : {"a.txt", "link.txt", "locked.txt"}) EXPECT_TRUE(opens(name)) << name;
-    for (const char* name : {".hidden.txt", "pipe.txt", "sub.txt", "broken.txt", "none.txt", ""}) {
-      EXPECT_FALSE(opens(name)) << name;
+  const auto expect = [&folder](const Names& names, bool opens) {
+    for (const std::string& name : names) {
+      EXPECT_EQ(InputFile(folder.Path(name)).IsOpen(), opens) << name;
     }
   };
-  expect();
+  const Names others{".hidden.txt", "pipe.txt", "sub.txt", "broken.txt", "none.txt", ""};
+  expect({"a.txt", "link.txt", "locked.txt"}, true);
+  expect(others, false);
   const FolderAtHand atHand(folder.Path("*.txt"));
-  expect();
-  expect();  // in another order than that of the directory
-  folder.Write("none.txt");
-  EXPECT_TRUE(opens("none.txt")) << "it came since";
+  expect({"locked.txt", "link.txt", "a.txt"}, true);
+  expect(others, false);
+  folder.Write("none.txt");  // it came since
+  expect({"none.txt", "a.txt"}, true);
 }
 
 TEST(Files, AFolderAtHandGivesTheContentOfEveryFile) {
@@ -115,19 +101,14 @@ TEST(Files, AFolderAtHandGivesTheContentOfEveryFile) {
     const std::string name = std::to_string(i) + ".txt";
     folder.Write(name, content(name));
   }
-  WIN32_FIND_DATA data;
-  const HANDLE search = FindFirstFileA(folder.Path("*.txt"), data);
   const FolderAtHand atHand(folder.Path("*.txt"));
   int i = 0;
-  do {
-    const std::string name = data.cFileName.data();
+  for (std::string name = Dir(folder.Path("*.txt")); !name.empty(); name = Dir()) {
     if (++i % 7 == 0) continue;  // passed over
     const bool deleted = i % 7 == 1 && Kill(folder.Path(name));
     InputFile file(folder.Path(name));
-    const std::string read = file.LineInput();
-    EXPECT_TRUE(read == content(name) || (deleted && !file.IsOpen())) << name;
-  } while (FindNextFileA(search, data) != 0);
-  FindClose(search);
+    EXPECT_TRUE(file.LineInput() == content(name) || (deleted && !file.IsOpen())) << name;
+  }
 }
 
 TEST(Files, ReplaceKeepsModeAndLinksAndLeavesNothingBehind) {
@@ -138,6 +119,10 @@ TEST(Files, ReplaceKeepsModeAndLinksAndLeavesNothingBehind) {
   chmod(folder.Write("locked.ini", "old").c_str(), 0444);
   mkfifo(folder.Path("pipe.ini").c_str(), 0600);
   const Names before = folder.Entries();
+  // Left by processes that were killed, the last one of the same number as this one.
+  for (const pid_t process : {999'999'999, getpid()}) {
+    folder.Write(".quillmere-new-" + std::to_string(process));
+  }
   EXPECT_TRUE(ReplaceFile(folder.Path("link.ini"), "new"));
   for (const char* name : {"ring.ini", "locked.ini", "pipe.ini", "none/new.ini", ""}) {
     EXPECT_FALSE(ReplaceFile(folder.Path(name), "new")) << name;
@@ -149,23 +134,21 @@ TEST(Files, ReplaceKeepsModeAndLinksAndLeavesNothingBehind) {
   EXPECT_EQ(folder.Entries(), before);
 }
 
-TEST(Files, AKilledProgramLeavesSettingsWhole) {
+TEST(Files, AReplacedFileIsTheOldOneOrTheNewOne) {
   const TemporaryFolder folder;
-  PublicDim = {};
-  PublicDim.AppPath = folder.Path();
-  std::set<std::string> whole;
-  for (const bool on : {false, true}) {
-    PublicDim.SaveLog = PublicDim.ToTray = on;
-    SaveConfig();
-    whole.insert(folder.Read("config.ini"));
-  }
-  constexpr int Rounds = 40;
-  for (int round = 0; round < Rounds; ++round) {
-    KillWhileSaving(1ms + round * 137us);
-    EXPECT_TRUE(whole.contains(folder.Read("config.ini"))) << folder.Read("config.ini");
-  }
-  SaveConfig();
-  EXPECT_EQ(folder.Entries(), Names{"config.ini"}) << "what the killed ones left stays behind";
+  folder.Write(".quillmere-new-1");  // of a process that runs
+  std::filesystem::create_hard_link(folder.Write("a.ini", "old"), folder.Path("twin.ini"));
+  EXPECT_TRUE(ReplaceFile(folder.Path("a.ini"), "whole"));
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit usual{};
+  getrlimit(RLIMIT_FSIZE, &usual);
+  const rlimit nearlyFull{2, usual.rlim_max};
+  setrlimit(RLIMIT_FSIZE, &nearlyFull);
+  const bool replaced = ReplaceFile(folder.Path("a.ini"), "new");
+  setrlimit(RLIMIT_FSIZE, &usual);
+  EXPECT_FALSE(replaced);
+  EXPECT_EQ(folder.Read("a.ini") + folder.Read("twin.ini"), "wholeold");
+  EXPECT_EQ(folder.Entries(), Names({"a.ini", "twin.ini", ".quillmere-new-1"}));
 }
 
 TEST(Files, AShortReadIsNotTheEndOfAFile) {
@@ -176,8 +159,7 @@ TEST(Files, AShortReadIsNotTheEndOfAFile) {
   EXPECT_NE(content.find("[stack]"), std::string::npos);
 }
 
-// The kernel begins a listing of tmpfs anew when the file where it paused is gone with all older
-// ones.
+// Between two calls of the kernel the place where a listing of tmpfs paused can be gone.
 TEST(Files, AFolderThatIsBeingEmptiedGivesEveryFileOnce) {
   const TemporaryFolder folder("/dev/shm");
   const auto name = [](int number) { return std::to_string(number) + ".txt"; };
@@ -185,8 +167,10 @@ TEST(Files, AFolderThatIsBeingEmptiedGivesEveryFileOnce) {
   WIN32_FIND_DATA data;
   const HANDLE search = FindFirstFileA(folder.Path("*.txt"), data);
   for (int i = 0; i < 4000; ++i) unlink(folder.Path(name(i)).c_str());
+  Names left = folder.Entries();
+  left.erase(data.cFileName.data());
   Names found;
   while (FindNextFileA(search, data) != 0) found.insert(data.cFileName.data());
   FindClose(search);
-  for (int i = 4000; i < 4990; ++i) EXPECT_EQ(found.count(name(i)), 1u) << i;
+  EXPECT_EQ(found, left);
 }

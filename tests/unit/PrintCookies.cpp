@@ -9,24 +9,15 @@
 #include "monitor/ScanDisk.h"
 #include "platform/Files.h"
 
-namespace {
-
-void Print(const std::string& cell, char end) {
-  for (const char c : cell) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7F || byte == '\\') {
-      std::printf("\\x%02X", byte);
-    } else {
-      std::putchar(c);
-    }
+static void Print(const std::string& cell, char end) {
+  for (const unsigned char byte : cell) {
+    const bool plain = byte >= 0x20 && byte != 0x7F && byte != '\\';
+    plain ? std::putchar(byte) : std::printf("\\x%02X", byte);
   }
   std::putchar(end);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  if (argc != 2) return 2;
+int main(int, char** argv) {
   PublicDim.CookieDir = std::string(argv[1]) + "/";
   TakeFirstSnapshot();
   PublicDim.CookieRows.resize(1);

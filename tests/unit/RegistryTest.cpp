@@ -1,3 +1,4 @@
+#include <optional>
 #include <pwd.h>
 #include <string>
 #include <unistd.h>
@@ -5,28 +6,24 @@
 
 #include <gtest/gtest.h>
 
-#include "core/ModRegistry.h"
 #include "core/SpecialFolders.h"
 #include "platform/ShellFolders.h"
+#include "platform/linux/Autostart.h"
 #include "tests/unit/TemporaryFolder.h"
 
-TEST(Registry, RunValuesAreAutostartEntriesThatAreOn) {
+TEST(Autostart, KnowsTheEntriesThatAreOn) {
   const TemporaryFolder folder;
   setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
-  const std::string key = R"(Software\Microsoft\Windows\CurrentVersion\Run)";
-  const RegValue none;
-  const std::pair<std::string, RegValue> entries[] = {
-      {"[Desktop Entry]\nExec=\"/opt/program\" /1\n", std::string("/opt/program /1")},
-      {"[Desktop Entry]\nExec=/opt/program /1\nHidden=true\n", none},
-      {"[Desktop Entry]\nExec=/opt/program /1\nX-GNOME-Autostart-enabled=false\n", none},
-      {"[Desktop Action x]\nExec=other\n[Desktop Entry]\nExec = /opt/p /1 %U\r\n",
-       std::string("/opt/p /1 ")},
-  };
+  const std::pair<std::string, std::optional<std::string>> entries[] = {
+      {"[Desktop Entry]\nExec=\"/opt/program\" /1\n", "/opt/program /1"},
+      {"[Desktop Entry]\nExec=/opt/p /1\nHidden=true\n", {}},
+      {"[Desktop Entry]\nExec=/opt/p /1\nX-GNOME-Autostart-enabled=false\n", {}},
+      {"[Desktop Action x]\nExec=other\n[Desktop Entry]\nExec = /opt/p /1 %U\r\n", "/opt/p /1 "}};
   for (const auto& [entry, command] : entries) {
     folder.Write("autostart/Quillmere.desktop", entry);
-    EXPECT_EQ(ReadRegValue(platform::HKEY_CURRENT_USER, key, "quillmere"), command) << entry;
+    EXPECT_EQ(platform::AutostartCommand("quillmere"), command) << entry;
   }
-  WriteRegValue(platform::HKEY_CURRENT_USER, key, "../escape", platform::REG_SZ, "/bin/true /1");
+  platform::SetAutostartCommand("../escape", "/bin/true /1");
   EXPECT_EQ(folder.Entries(), Names{"autostart"});
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -18,8 +17,7 @@ class TemporaryFolder {
     std::string name = (parent / "unit-XXXXXX").string();
     folder_ = std::string(mkdtemp(name.data())) + '/';
   }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  TemporaryFolder(TemporaryFolder&&) = delete;
   ~TemporaryFolder() {
     std::error_code ignored;
     std::filesystem::remove_all(folder_, ignored);
@@ -60,8 +58,7 @@ class TemporaryFolder {
 class WorkingFolder {
  public:
   explicit WorkingFolder(const std::string& folder) { std::filesystem::current_path(folder); }
-  WorkingFolder(const WorkingFolder&) = delete;
-  WorkingFolder& operator=(const WorkingFolder&) = delete;
+  WorkingFolder(WorkingFolder&&) = delete;
   ~WorkingFolder() { std::filesystem::current_path(before_); }
 
  private:

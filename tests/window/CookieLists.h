@@ -28,19 +28,12 @@ class CookieLists : public platform::Form {
 
 using Cells = std::vector<std::string>;
 
-/// A row's seven cells.
-inline Cells CellsOf(platform::ListView& list, int position) {
-  const platform::ListView::ListItem row = list.Item(position);
-  Cells cells = {row.Text()};
-  for (int column = 1; column <= 6; ++column) cells.push_back(row.SubItems(column));
-  return cells;
-}
-
 /// The cells of one column, counted from 1.
 inline Cells ColumnOf(platform::ListView& list, int index) {
   Cells cells;
   for (int position = 1; position <= list.Count(); ++position) {
-    cells.push_back(CellsOf(list, position).at(static_cast<std::size_t>(index - 1)));
+    const platform::ListView::ListItem row = list.Item(position);
+    cells.push_back(index == 1 ? row.Text() : row.SubItems(index - 1));
   }
   return cells;
 }
@@ -52,13 +45,13 @@ class Answers {
     QObject::connect(&timer_, &QTimer::timeout, [this, answer] {
       auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
       if (box == nullptr) return;
-      Asked.push_back(box->text().toStdString());
+      ++Asked;
       (box->button(answer) ? box->button(answer) : box->button(QMessageBox::Ok))->click();
     });
     timer_.start(1);
   }
 
-  std::vector<std::string> Asked;
+  int Asked = 0;
 
  private:
   QTimer timer_;

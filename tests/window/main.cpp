@@ -3,18 +3,20 @@
 
 #include "tests/unit/TemporaryFolder.h"
 
-// One region, one zone and no user: a window reads and writes what belongs to its user, as an
-// autostart entry, and that of whoever runs the tests must neither count nor change.
+// One region, one zone and no user: what stands in the folders of whoever runs the tests must
+// neither change a result nor be changed.
 int main(int argc, char** argv) {
   static const TemporaryFolder home;  // Static: a test of an exit never comes back here.
+  for (const char* name : {"HOME", "XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+    qputenv(name, home.Path(name).c_str());
+  }
   qputenv("QT_QPA_PLATFORM", "offscreen");
   qputenv("LC_ALL", "en_US.UTF-8");
   qputenv("TZ", "UTC");
-  qputenv("HOME", home.Path("home").c_str());
-  qputenv("XDG_CONFIG_HOME", home.Path("config").c_str());
-  qputenv("XDG_DATA_HOME", home.Path("data").c_str());
   testing::InitGoogleTest(&argc, argv);
+#ifndef WITHOUT_WINDOWS
   const QApplication application(argc, argv);
   QApplication::setQuitOnLastWindowClosed(false);
+#endif
   return RUN_ALL_TESTS();
 }

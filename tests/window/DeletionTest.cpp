@@ -1,0 +1,97 @@
+#include <stdlib.h>
+#include <string>
+
+#include <gtest/gtest.h>
+
+#include "cleaner/Cleaner.h"
+#include "cookies/CookieList.h"
+#include "cookies/DeleteCookieFiles.h"
+#include "core/PublicDim.h"
+#include "platform/Forms.h"
+#include "tests/CookieFolder.h"
+#include "tests/window/CookieLists.h"
+
+namespace {
+
+constexpr auto Files = {"a.txt", "*.txt", "home/a.txt", "home/cookies/a.txt", "home/recent/b.dat"};
+
+class Deletion : public testing::Test {
+ protected:
+  Deletion() {
+    setenv("HOME", folder_.Path("home").c_str(), 1);
+    for (const char* name : Files) folder_.Write(name);
+  }
+
+  Names Gone() const {
+    Names gone;
+    for (const char* name : Files) {
+      if (!folder_.Has(name)) gone.insert(name);
+    }
+    return gone;
+  }
+
+  /// Deletes by a row of that name, and returns the files that are gone.
+  Names GoneByRow(const std::string& name) {
+    platform::ListView& list = window_.ListVCookie;
+    CookieRow row;
+    row.CookieFile = name;
+    AddCookieRow(list, row);
+    list.Item(1).Selected(true);
+    const Answers yes(QMessageBox::Yes);
+    DeleteSelectedCookieFiles(list);
+    EXPECT_EQ(list.Count(), 0);
+    return Gone();
+  }
+
+  Names GoneByCleaner(int cookies, int recentDocuments) {
+    Check1_.Value(cookies);
+    Check2_.Value(recentDocuments);
+    const Answers yes(QMessageBox::Yes);
+    Clean({Check1_, Check2_, Check3_}, window_.ListLog);
+    EXPECT_EQ(yes.Asked, cookies + recentDocuments > 0 ? 2 : 0);
+    return Gone();
+  }
+
+  const CookieFolder folder_;
+  const std::string all_ = folder_.TemporaryFolder::Path();
+  CookieLists window_;
+  platform::CheckBox Check1_{window_, {.Name = "Check1", .At = {}}};
+  platform::CheckBox Check2_{window_, {.Name = "Check2", .At = {}}};
+  platform::CheckBox Check3_{window_, {.Name = "Check3", .At = {}}};
+};
+
+TEST_F(Deletion, NeverTakesARowsNameForMoreThanOneFile) {
+  for (const std::string& name : Names{"*.*", "", ".", "..", "home/a.txt", "../", "*", "home",
+                                       "*.TXT", "a?txt", std::string("a.txt\0x", 7)}) {
+    EXPECT_EQ(GoneByRow(name), Names()) << name;
+  }
+  const WorkingFolder working(all_);
+  for (const char* unresolved : {"", "\\"}) {
+    PublicDim.CookieDir = unresolved;
+    EXPECT_EQ(GoneByRow("a.txt"), Names());
+  }
+  PublicDim.CookieDir = all_;
+  EXPECT_EQ(GoneByRow("*.txt"), Names{"*.txt"});
+}
+
+TEST_F(Deletion, CleansWhatIsTickedWhenTheAnswerComes) {
+  PublicDim.CookieDir = all_ + "home/cookies/";
+  PublicDim.RecentDir = all_ + "home/recent/";
+  EXPECT_EQ(GoneByCleaner(0, 0), Names());
+  QTimer::singleShot(0, [this] { Check1_.Value(0); });
+  EXPECT_EQ(GoneByCleaner(1, 1), Names{"home/recent/b.dat"});
+  EXPECT_FALSE(PublicDim.BaselineReset || PublicDim.CookieListStale);
+  EXPECT_EQ(window_.ListLog.ListCount(), 0);
+}
+
+TEST_F(Deletion, CleansNoFolderThatIsMoreThanWhatItIsFor) {
+  const WorkingFolder working(all_ + "home");
+  for (const std::string& folder :
+       Names{"\\", "", "./", all_ + "home/", all_ + "home/cookies/../"}) {
+    PublicDim.CookieDir = PublicDim.RecentDir = folder;
+    EXPECT_EQ(GoneByCleaner(1, 1), Names()) << folder;
+  }
+  EXPECT_EQ(window_.ListLog.ListCount(), 5) << "the line comes all the same";
+}
+
+}  // namespace

@@ -1,0 +1,130 @@
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include <QApplication>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QWindow>
+#include <gtest/gtest.h>
+
+#include "cookies/CookieDetail.h"
+#include "cookies/CookieList.h"
+#include "core/PublicDim.h"
+#include "report/FormMsg.h"
+#include "tests/CookieFolder.h"
+#include "tests/window/CookieLists.h"
+
+namespace {
+
+std::vector<QWidget*> Windows(const char* name, bool onScreenOnly = false) {
+  std::vector<QWidget*> found;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    const bool counts = window->isVisible() || !onScreenOnly;
+    if (counts && window->objectName() == name) found.push_back(window);
+  }
+  return found;
+}
+
+std::vector<QWidget*> Shown() { return Windows("FormMsg", true); }
+
+void Press(const QWidget& popup, const char* button) {
+  popup.findChild<QPushButton*>(button)->click();
+  QTest::qWait(0);
+}
+
+class SmallWindows : public testing::Test {
+ protected:
+  ~SmallWindows() override {
+    for (QWidget* window : Windows("FormView")) window->close();
+    QTest::qWait(0);
+  }
+
+  static void Open(int count, const std::string& text = "text", bool canView = true) {
+    PublicDim.MsgEnabled = true;
+    PublicDim.MsgText = text;
+    PublicDim.MsgCanView = canView;
+    for (int i = 0; i < count; ++i) ShowChangePopup();
+  }
+
+  CookieFolder folder_;
+};
+
+/// Opens the detail of a row, and returns its title and its text.
+std::string Detail(CookieLists& window, int position) {
+  platform::ListView& list = window.ListVCookie;
+  for (int row = 1; row <= list.Count(); ++row) list.Item(row).Selected(row == position);
+  ShowCookieDetail(list, window);
+  std::string texts;
+  for (QWidget* view : Windows("FormView")) {
+    const QString text = view->findChild<QPlainTextEdit*>()->toPlainText();
+    texts += (view->windowHandle()->title() + '\n' + text).toStdString();
+    view->close();
+  }
+  QTest::qWait(0);
+  return texts;
+}
+
+TEST_F(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
+  CookieLists window;
+  EXPECT_EQ(Detail(window, 0), "") << "a list without rows has no detail";
+  const std::string name = "a[*]b[*][*].txt";
+  PublicDim.KnownRows = {{name, "136", "then"}, {"gone.txt", "136", "then"}};
+  for (const CookieFileRow& row : PublicDim.KnownRows) {
+    folder_.Write(row.FileName, Record("old", "", "s"));
+  }
+  LoadCookieList(window.ListVCookie);
+  std::filesystem::remove(folder_.Path("gone.txt"));
+  EXPECT_EQ(Detail(window, 2), "Detail\n");
+  folder_.Write(name, Record("uid", "a%3Db", "shop/", "-1"));
+  const std::string now =
+      "Detail - " + name + "\nCookie name: uid\nValue: a%3Db\nServer: shop\nExpire: -\n\n";
+  EXPECT_EQ(Detail(window, 1), now);
+  EXPECT_EQ(Detail(window, 2), now);
+}
+
+TEST_F(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
+  folder_.Write("new.txt", Record("latest", "v", "s/"));
+  PublicDim.MsgFileName = "old.txt";
+  Open(1, "Cookie file added\nold.txt");
+  Open(1, "Cookie file removed\ngone.txt", false);
+  PublicDim.MsgFileName = "new.txt";
+  QTest::qWait(0);
+  for (QWidget* popup : Shown()) {
+    const bool viewed = popup->findChild<QLabel*>()->text() == "Cookie file added\nold.txt";
+    EXPECT_EQ(popup->findChild<QPushButton*>("CmdView")->isEnabled(), viewed);
+    Press(*popup, viewed ? "CmdView" : "CmdClose");
+  }
+  EXPECT_EQ(Windows("FormMsg").size(), 0U);
+  ASSERT_EQ(Windows("FormView").size(), 1U);
+  ASSERT_EQ(PublicDim.DetailRows.size(), 1U);
+  EXPECT_EQ(PublicDim.DetailRows[0].CookieName, "latest");
+}
+
+TEST_F(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
+  Open(200);
+  QTest::qWait(0);
+  EXPECT_LT(Shown().size(), 40U);
+  // However many the user closes, the next one shows.
+  for (std::size_t left = 200; left > 0; --left) {
+    ASSERT_EQ(Windows("FormMsg").size(), left);
+    ASSERT_FALSE(Shown().empty()) << left;
+    Press(*Shown()[0], "CmdClose");
+  }
+}
+
+TEST_F(SmallWindows, PopupsCloseAtTheirOwnSixthTickSeenOrNot) {
+  Open(50);
+  QTest::qWait(2500);
+  Open(1);
+  QTest::qWait(3000);
+  EXPECT_EQ(Windows("FormMsg").size(), 51U) << "no popup closes at the fifth tick";
+  QTest::qWait(1500);
+  EXPECT_EQ(Windows("FormMsg").size(), 1U);
+  QTest::qWait(2000);
+  EXPECT_EQ(Windows("FormMsg").size(), 0U);
+}
+
+}  // namespace

@@ -35,28 +35,8 @@ void Press(const QWidget& popup, const char* button) {
   QTest::qWait(0);
 }
 
-class SmallWindows : public testing::Test {
- protected:
-  ~SmallWindows() override {
-    for (QWidget* window : Windows("FormView")) window->close();
-    QTest::qWait(0);
-  }
-
-  static void Open(int count, const std::string& text = "text", bool canView = true) {
-    PublicDim.MsgEnabled = true;
-    PublicDim.MsgText = text;
-    PublicDim.MsgCanView = canView;
-    for (int i = 0; i < count; ++i) ShowChangePopup();
-  }
-
-  CookieFolder folder_;
-};
-
-/// Opens the detail of a row, and returns its title and its text.
-std::string Detail(CookieLists& window, int position) {
-  platform::ListView& list = window.ListVCookie;
-  for (int row = 1; row <= list.Count(); ++row) list.Item(row).Selected(row == position);
-  ShowCookieDetail(list, window);
+/// Closes the detail windows, and returns their titles and texts.
+std::string ClosedDetails() {
   std::string texts;
   for (QWidget* view : Windows("FormView")) {
     const QString text = view->findChild<QPlainTextEdit*>()->toPlainText();
@@ -66,6 +46,26 @@ std::string Detail(CookieLists& window, int position) {
   QTest::qWait(0);
   return texts;
 }
+
+/// Opens the detail of a row, and returns what it shows.
+std::string Detail(CookieLists& window, int position) {
+  platform::ListView& list = window.ListVCookie;
+  for (int row = 1; row <= list.Count(); ++row) list.Item(row).Selected(row == position);
+  ShowCookieDetail(list, window);
+  return ClosedDetails();
+}
+
+class SmallWindows : public testing::Test {
+ protected:
+  static void OpenPopups(int count, const std::string& text = "text", bool canView = true) {
+    PublicDim.MsgEnabled = true;
+    PublicDim.MsgText = text;
+    PublicDim.MsgCanView = canView;
+    for (int i = 0; i < count; ++i) ShowChangePopup();
+  }
+
+  CookieFolder folder_;
+};
 
 TEST_F(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
   CookieLists window;
@@ -88,8 +88,8 @@ TEST_F(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
 TEST_F(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
   folder_.Write("new.txt", Record("latest", "v", "s/"));
   PublicDim.MsgFileName = "old.txt";
-  Open(1, "Cookie file added\nold.txt");
-  Open(1, "Cookie file removed\ngone.txt", false);
+  OpenPopups(1, "Cookie file added\nold.txt");
+  OpenPopups(1, "Cookie file removed\ngone.txt", false);
   PublicDim.MsgFileName = "new.txt";
   QTest::qWait(0);
   for (QWidget* popup : Shown()) {
@@ -98,13 +98,11 @@ TEST_F(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
     Press(*popup, viewed ? "CmdView" : "CmdClose");
   }
   EXPECT_EQ(Windows("FormMsg").size(), 0U);
-  ASSERT_EQ(Windows("FormView").size(), 1U);
-  ASSERT_EQ(PublicDim.DetailRows.size(), 1U);
-  EXPECT_EQ(PublicDim.DetailRows[0].CookieName, "latest");
+  EXPECT_NE(ClosedDetails().find("Cookie name: latest\n"), std::string::npos);
 }
 
 TEST_F(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
-  Open(200);
+  OpenPopups(200);
   QTest::qWait(0);
   EXPECT_LT(Shown().size(), 40U);
   // However many the user closes, the next one shows.
@@ -116,9 +114,9 @@ TEST_F(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
 }
 
 TEST_F(SmallWindows, PopupsCloseAtTheirOwnSixthTickSeenOrNot) {
-  Open(50);
+  OpenPopups(50);
   QTest::qWait(2500);
-  Open(1);
+  OpenPopups(1);
   QTest::qWait(3000);
   EXPECT_EQ(Windows("FormMsg").size(), 51U) << "no popup closes at the fifth tick";
   QTest::qWait(1500);

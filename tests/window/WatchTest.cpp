@@ -15,32 +15,26 @@
 
 namespace {
 
-/// The main window over a folder of its own. The folder is resolved at its load, through the
-/// environment.
 class Watch : public testing::Test {
  protected:
   Watch() {
     qputenv("XDG_DATA_HOME", folder_.Path("").parent_path().c_str());
     MakeFiles();
-    // Runs inside every yield, as whatever the user does would; an act may put another in its
-    // place.
-    QObject::connect(&inYield_, &QTimer::timeout, [this] {
+    // Runs inside every yield, as what the user does would. An act may put another in its place.
+    inYield_.callOnTimeout([this] {
       PublicDim.MsgEnabled = false;
       if (const auto act = act_) act();
     });
     inYield_.start(0);
   }
 
-  void MakeFile(const std::string& name) const {
-    folder_.Write("quillmere/cookies/" + name + ".txt");
-  }
-
   void MakeFiles() const {
-    for (int i = 0; i < 300; ++i) MakeFile("f" + std::to_string(i));
+    for (int i = 0; i < 300; ++i) folder_.Write(cookies_ + "f" + std::to_string(i) + ".txt");
   }
 
   static bool InsideAScan() { return PublicDim.ScanRunning && PublicDim.ScanRowCount >= 100; }
 
+  const std::string cookies_ = "quillmere/cookies/";
   CookieFolder folder_;
   std::function<void()> act_;
   QTimer inYield_;
@@ -57,7 +51,9 @@ TEST_F(Watch, AStartInsideAComparisonsScanWaitsForItsEndAndTheTimerTicksOn) {
     if (!InsideAScan()) return;
     form.CmdStart.Click();
     act_ = [&] {
-      if (PublicDim.WatchHandle > 0 && !folder_.Has("quillmere/cookies/new.txt")) MakeFile("new");
+      if (PublicDim.WatchHandle > 0 && !folder_.Has(cookies_ + "n.txt")) {
+        folder_.Write(cookies_ + "n.txt");
+      }
       if (form.ListLog.ListCount() > 0) form.CmdStop.Click();
     };
   };
@@ -92,7 +88,7 @@ TEST_F(Watch, TheCleanerInsideAScan) {
     ++cleaned;
     form.Check1.Value(1);
     form.CmdClean.Click();
-    folder_.Write("quillmere/cookies/survivor.txt", Record("id", "42", "shop.example/"));
+    folder_.Write(cookies_ + "survivor.txt", Record("id", "42", "shop.example/"));
     form.TimerCookie.Tick();
   };
   act_ = [&] {

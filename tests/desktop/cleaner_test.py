@@ -1,8 +1,6 @@
 """The cleaner on real folders, and on a trash that the desktop's own tool has filled."""
 
 import os
-import re
-import subprocess
 from pathlib import Path
 
 from harness import SAVE_LOG, DesktopTest, main, run
@@ -10,15 +8,12 @@ from harness import SAVE_LOG, DesktopTest, main, run
 SHELL_FOLDERS = r"Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
 
 
-def others_trash(but):
+def others_trash():
     """What the user has in the trash of volumes of this machine: it would be emptied too."""
-    for line in Path("/proc/self/mountinfo").read_text().splitlines():
-        volume = Path(re.sub(r"\\(\d{3})", lambda code: chr(int(code[1], 8)), line.split()[4]))
-        for trash in (volume / f".Trash-{os.getuid()}", volume / f".Trash/{os.getuid()}"):
-            files = trash / "files"
-            if volume != but and os.access(files, os.R_OK) and any(files.iterdir()):
+    for volume in run("df", "--all", "--output=target", check=False).splitlines():
+        for trash in (Path(volume, f".Trash-{os.getuid()}"), Path(volume, f".Trash/{os.getuid()}")):
+            if os.access(trash / "files", os.R_OK) and any((trash / "files").iterdir()):
                 return trash
-    return None
 
 
 def fill(*paths):
@@ -38,26 +33,17 @@ class CleanerTest(DesktopTest):
     def test_everything(self):
         program = self.program(config=SAVE_LOG)
         top, recent = program.folder.parent, program.folder.parent / "data/RecentDocuments"
-        outside, volume = top / "outside/kept", top / "volume"
-        volume.mkdir()
-        run("mount", "-t", "tmpfs", "tmpfs", volume, check=False)
-        mounted = volume.is_mount()
-        if mounted:
-            self.addCleanup(run, "umount", "-l", volume)
-        if trash := others_trash(volume):
+        outside = top / "outside/kept"
+        if trash := others_trash():
             self.skipTest(f"{trash} would be emptied")
         gone = [recent / "document.desktop", program.cookies / "a.txt", program.cookies / "B.TXT"]
         kept = [outside, recent / "folder/below", program.cookies / "other.dat"]
-        if mounted:  # gio puts nothing into the trash of such a volume, other desktops do
-            foreign = volume / f".Trash-{os.getuid()}"
-            gone += [foreign / "files/file", foreign / "info/file.trashinfo"]
-            kept.append(volume / ".Trash-4242/files/kept")
         fill(*gone, *kept, top / "file", top / "folder/below/file")
         for link in (program.cookies / "link.txt", recent / "link", top / "folder/link",
                      top / "link"):
             link.symlink_to(outside)
-        trashing = {"cwd": top, "env": program.env, "check": True}
-        subprocess.run(["gio", "trash", "file", "folder", "link"], **trashing)
+        gio_trash = "env", f"XDG_DATA_HOME={top}/data", "gio", "trash"
+        run(*gio_trash, top / "file", top / "folder", top / "link")
         trash = top / "data/Trash"
         gone += [recent / "link", program.cookies / "link.txt",
                  *(trash / "files").iterdir(), *(trash / "info").iterdir()]
@@ -69,12 +55,12 @@ class CleanerTest(DesktopTest):
         # The cleaned cookies are one line and no report.
         fill(program.cookies / "next.txt")
         cleaned, added = program.wait_for_log(2)
-        self.assertTrue(cleaned.endswith(" - Cookies are cleaned **********"), cleaned)
+        self.assertRegex(cleaned, r" - Cookies are cleaned \*{10}$")
         self.assertIn("added: next.txt", added)
         self.assertEqual(program.log_lines(), [cleaned, added])
         # The desktop's tool finds a whole trash and can go on with it.
         fill(top / "again")
-        subprocess.run(["gio", "trash", "again"], **trashing)
+        run(*gio_trash, top / "again")
         self.assertTrue((trash / "files/again").exists())
 
     def test_folders_that_are_not_to_be_cleared(self):

@@ -1,6 +1,5 @@
 """What the cookie list has to show for a folder, told without the program."""
 
-import codecs
 import datetime
 import os
 import re
@@ -30,23 +29,16 @@ def expire_date(line):
     return f"{when.year:04}-{when.month:02}-{when.day:02}" if when else "-"
 
 
-# Five bytes stand for nothing in Windows-1252 and come through as the control characters of that
-# number.
-codecs.register_error("same_number", lambda error: (chr(error.object[error.start]),
-                                                    error.start + 1))
-
-
 def decode(data):
     try:
-        return data.decode("utf-8")
+        return data.decode()
     except UnicodeDecodeError:
-        return data.decode("cp1252", "same_number")
+        # Five bytes stand for nothing in Windows-1252 and come through as they are.
+        return "".join(bytes([byte]).decode("cp1252", "ignore") or chr(byte) for byte in data)
 
 
 def records(data):
-    lines = decode(data.split(b"\r", 1)[0]).split("\n")
-    if lines[-1] == "":
-        lines.pop()
+    lines = decode(data.split(b"\r", 1)[0]).removesuffix("\n").split("\n")
     for start in range(0, len(lines) - 8, 9):
         name, value, server, _, _, high = lines[start:start + 6]
         yield server.removesuffix("/"), expire_date(high), name, value

@@ -1,67 +1,42 @@
-"""The archive, unpacked anywhere by a user who has nothing of the program's yet; and the help viewer
-out of it, which is on its own."""
+"""The archive, unpacked anywhere by a user who has nothing of the program's yet; and its help."""
 
 import os
 import re
 from pathlib import Path
 
-from harness import ROOT, DesktopTest, Program, cookies, key, main, run, wait_until
-from help_viewer import viewers
+from harness import ROOT, DesktopTest, cookies, front, key, main, run, viewers, wait_until
 
 BUILD = Path(os.environ.get("QUILLMERE_BUILD_DIR", ROOT / "build/release"))
-HELP = "Quillmere Help"
-
-
-class Unpacked(Program):
-    def __init__(self, desktop, archive):
-        super().__init__(desktop)
-        place = self.folder.with_name("pläce of 100%20 blanks, 日本")
-        self.folder = place / "quillmere"
-        home = place / "home"
-        home.mkdir(parents=True)
-        run("tar", "-xzf", archive, "-C", place)
-        self.env["HOME"] = str(home)
-        del self.env["XDG_DATA_HOME"], self.env["XDG_CONFIG_HOME"]
-        self.cookies = home / ".local/share/quillmere/cookies"
-
-    def watching(self):
-        return self.cookies.exists() and super().watching()
 
 
 class PortableTest(DesktopTest):
-    @classmethod
-    def setUpClass(cls):
-        super().setUpClass()
-        run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.desktop.home / "made")
-        cls.archive, = cls.desktop.home.glob("made/quillmere-*.tar.gz")
-
     def setUp(self):
-        self.unpacked = Unpacked(self.desktop, self.archive)
-        self.addCleanup(self.unpacked.kill)
+        made, place = self.desktop.home / "made", self.desktop.home / "pläce of 100%20 blanks, 日本"
+        run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", made)
+        place.mkdir(exist_ok=True)
+        run("tar", "-xzf", *made.glob("quillmere-*.tar.gz"), "-C", place)
+        self.unpacked = self.program(env={"HOME": str(place)})
+        self.unpacked.folder = place / "quillmere"
+        del self.unpacked.env["XDG_DATA_HOME"], self.unpacked.env["XDG_CONFIG_HOME"]
+        self.unpacked.cookies = place / ".local/share/quillmere/cookies"
 
     def test_archive(self):
         program = self.unpacked.start()
         (program.cookies / "a.txt").write_bytes(cookies("id"))
-        line, = wait_until(program.log_lines, "the line of the new file")
-        self.assertIn("added: a.txt", line)
+        wait_until(lambda: "added: a.txt" in "".join(program.log_lines()), "its line")
         for part in ("help", "sound"):
             run("diff", "-r", ROOT / "assets" / part, program.folder / part)
-        readme = (program.folder / "README.md").read_text()
-        for picture in re.findall(r"\]\((.*\.png)\)", readme):
-            self.assertTrue((program.folder / picture).is_file(), picture)
-        self.assertTrue((program.folder / "LICENSE").is_file())
-        self.assertEqual(program.end(), 0)
+        pictures = re.findall(r"\]\((.*\.png)\)", (program.folder / "README.md").read_text())
+        for file in ("LICENSE", *pictures):
+            self.assertTrue((program.folder / file).is_file(), file)
 
     def show_help(self):
         """Returns the one viewer there is, in front."""
-        def in_front():
-            front = run("xdotool", "getactivewindow", check=False).strip()
-            return [viewer for viewer in viewers(program) if front in viewer.windows(HELP)]
-        program = self.unpacked
-        program.activate()
-        program.button("Help").press()
-        wait_until(in_front, "the help in front")
-        viewer, = viewers(program)
+        self.unpacked.activate()
+        self.unpacked.button("Help").press()
+        wait_until(lambda: any(front() in each.windows("Quillmere Help")
+                               for each in viewers(self.unpacked)), "the help in front")
+        viewer, = viewers(self.unpacked)
         return viewer
 
     def test_help_outlives_the_program(self):
@@ -70,11 +45,10 @@ class PortableTest(DesktopTest):
         key("Tab", "Return")  # the first link of the page
         wait_until(lambda: viewer.application() and viewer.button("Back").enabled, "the next page")
         self.assertEqual(self.show_help().process, viewer.process)
-        children = Path(f"/proc/{program.process.pid}/task/{program.process.pid}/children")
-        self.assertEqual(children.read_text(), "")
+        children = Path(f"/proc/{program.process.pid}/task").glob("*/children")
+        self.assertEqual("".join(each.read_text() for each in children), "")
         self.assertEqual(program.end(), 0)
-        self.assertTrue(viewer.windows(HELP))
-        program.window = None
+        self.assertTrue(viewer.windows("Quillmere Help"))
         program.start()
         self.assertEqual(self.show_help().process, viewer.process)
         key("Escape")

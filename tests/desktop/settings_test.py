@@ -1,17 +1,14 @@
 """The settings file, the option boxes, the switch of the start, and the start with the desktop."""
 
-import contextlib
 import os
 import signal
-from pathlib import Path
 
-from harness import DesktopTest, main, options, run, wait_until
+from harness import DesktopTest, main, options, run, running, wait_until
 
 BOXES = {"Do not save log file": "Options", "Minimize to system tray": "Options",
          "Play sound when a new cookie file is added": "Sound",
          "Play sound when a cookie file is removed": "Sound"}
-# The file and the switch, whether that starts hidden, the options then, and how it ends: by the
-# close box or by a signal.
+# The file and the switch, whether that starts hidden, the options then, the signal or close box.
 STARTS = [
     (options(True, False, False, True), (), False, (True, False, False, True), None),
     (b"ToTray=0\rSaveLog=-1\rPlaySound1=1\rPlaySound2=0", (" /1 ",), True,
@@ -27,11 +24,10 @@ STARTS = [
 class SettingsTest(DesktopTest):
     def move(self, program, name):
         program.folder = program.folder.rename(program.folder.with_name(name))
-        program.window = None
 
     def shown(self, program):
-        save_log, *others = [program.check_box(caption).checked for caption in BOXES]
-        return (not save_log, *others)
+        no_log, *others = [program.control("check box", caption).checked for caption in BOXES]
+        return (not no_log, *others)
 
     def check_stored(self, program, number, values):
         self.assertEqual(program.end(number) if number else program.close(), 0)
@@ -46,8 +42,7 @@ class SettingsTest(DesktopTest):
                 self.check_stored(program, number, values)
 
     def test_every_tick(self):
-        """What is ticked counts at once and is in the file after the end; the folder's name may
-        be any."""
+        """It counts at once and is in the file after the end; the folder's name may be any."""
         program = self.program()
         self.move(program, os.fsdecode("blank ß ".encode() + b"caf\xe9"))
         program.start()
@@ -65,24 +60,14 @@ class SettingsTest(DesktopTest):
         program.start()
         self.assertEqual(self.shown(program), (True, False, False, False))
 
-    # What a desktop finds at logon, and what it starts from it.
-
     def check_autostart(self, program, entry):
         """The entry is valid, and what a desktop starts from it is this program, hidden."""
         run("desktop-file-validate", entry)
-        expected = [str(program.folder / "quillmere"), "/1"]
-
-        def running():
-            for folder in Path("/proc").glob("[0-9]*"):
-                with contextlib.suppress(OSError):
-                    words = (folder / "cmdline").read_bytes().decode(errors="replace").split("\0")
-                    if words[:-1] == expected and int(folder.name) != program.process.pid:
-                        return int(folder.name)
-            return None
-
+        command = program.folder / "quillmere", "/1"
         self.desktop.start("gio", "launch", str(entry), env=program.env)
-        os.kill(wait_until(running, f"{expected} to run"), signal.SIGTERM)
-        wait_until(lambda: not running(), "its end")
+        pid, = wait_until(lambda: running(*command), f"{command} to run")
+        os.kill(pid, signal.SIGTERM)
+        wait_until(lambda: not running(*command), "its end")
 
     def test_start_with_the_desktop(self):
         program = self.started()

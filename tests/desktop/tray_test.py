@@ -3,18 +3,11 @@
 import re
 import time
 
-from harness import (DesktopTest, act_until, double_click, end_process, key, main, options, run,
-                     wait_until)
-from help_viewer import viewers
+from harness import (DesktopTest, act_until, double_click, end_process, front, key, main, options,
+                     run, viewers, wait_until)
 from notifier_host import NotifierTray
 
 CLIENT = (535, 254)
-ENTRIES = ["Show", "-", "Help", "About", "-", "Exit"]
-
-
-def all_windows():
-    """They cannot be read while one goes."""
-    return wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
 
 
 class EmbeddingTray:
@@ -25,14 +18,13 @@ class EmbeddingTray:
                                      "request", "--height", "24", "--expand", "false")
 
     def is_up(self):
-        return "trayer" in all_windows()
+        return run("xdotool", "search", "--onlyvisible", "--class", "trayer", check=False)
 
     def items(self):
-        """Where the icons are: the program's windows of an icon's size."""
-        found = re.findall(r'"quillmere" .* (\d+)x(\d+)\+-?\d+\+-?\d+ +\+(\d+)\+(\d+)$',
-                           all_windows(), re.MULTILINE)
-        return [(int(left) + 5, int(top) + 5) for width, height, left, top in found
-                if 10 < int(width) <= 32 and int(height) <= 32 and int(top) > 900]
+        """Where the icons are: the program's windows of an icon's size in the lower part."""
+        tree = wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
+        found = re.findall(r'"quillmere" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n', tree)
+        return [(int(left) + 5, int(top) + 5) for left, top in found]
 
     def click(self, button=1):
         run("xdotool", "mousemove", *self.items()[0], "click", button)
@@ -56,16 +48,15 @@ class TrayTest(DesktopTest):
 
     def check_back(self):
         program = self.watched
-        wait_until(lambda: program.mapped() and program.geometry()[2:] == CLIENT and run(
-            "xdotool", "getactivewindow", check=False).strip() == program.find_window(),
-            "the window in front, in its own size")
+        wait_until(lambda: program.mapped() and front() == program.find_window(), "it in front")
+        self.wait_for_equal(lambda: program.geometry()[2:], CLIENT)
         self.assertNotRegex(program.window_states(), "HIDDEN|MAXIMIZED")
         self.assertTrue(self.in_taskbar())
 
     def minimise(self):
         run("xdotool", "windowminimize", self.watched.find_window())
-        wait_until(lambda: not self.watched.mapped(), "the window to go")
-        wait_until(lambda: self.in_taskbar() != self.to_tray, "its place in the taskbar to follow")
+        wait_until(lambda: not self.watched.mapped() and self.in_taskbar() != self.to_tray,
+                   "the window to go, and with it its place in the taskbar or not")
 
     def menu_is_open(self):
         """It has no name, and is larger than the icon, which has none either."""
@@ -73,34 +64,21 @@ class TrayTest(DesktopTest):
                    for window in self.watched.windows(""))
 
     def open_menu(self):
-        # The toolkit closes a menu when the focus leaves the program, which a window that is just
-        # being minimised can bring about later than a person would click.
+        # A menu closes with the focus, which a window that is being minimised can take late.
         act_until(lambda: self.tray.click(3), self.menu_is_open, "the menu")
 
     def choose(self, caption):
         if isinstance(self.tray, NotifierTray):
             return self.tray.choose(caption)
         self.open_menu()
-        place = [each for each in ENTRIES if each != "-"].index(caption)
-        return key(*["Down"] * (place + 1), "Return")
-
-    def check_ways_back(self):
-        for leave, way in ((self.minimise, self.tray.click),
-                           (self.minimise, self.tray.double_click),
-                           (self.minimise, lambda: self.choose("Show")),
-                           (self.watched.switch_maximised, self.tray.click),
-                           (self.watched.switch_maximised, lambda: self.choose("Show"))):
-            leave()
-            way()
-            self.check_back()
+        return key(*["Down"] * ("Show", "Help", "About", "Exit").index(caption), "Down", "Return")
 
     def check_what_stands_over_it(self):
         """The about box and a question are above the window, and go and come with it."""
         program = self.watched
         program.button("About").press()
         box, = wait_until(lambda: program.windows("About Quillmere"), "the about box")
-        left, top, *_ = program.geometry()
-        run("xdotool", "mousemove", left + 60, top - 10, "click", 1)
+        program.activate()
         self.check_back()
         order = run("xprop", "-root", "_NET_CLIENT_LIST_STACKING")
         self.assertRegex(order, f"{int(program.find_window()):#x}.*{int(box):#x}")
@@ -111,7 +89,7 @@ class TrayTest(DesktopTest):
         program.button("OK").press()
 
         program.select_tab("Tools")
-        program.check_box("Clean Cookies").press()
+        program.tick("Clean Cookies")
         program.button("Clean").click()
         program.button("No")
         self.minimise()
@@ -133,7 +111,8 @@ class TrayTest(DesktopTest):
         wait_until(lambda: any(each.windows(".*Help") for each in viewers(self.watched)), "help")
         self.assertFalse(self.watched.mapped())
         if isinstance(self.tray, NotifierTray):
-            self.assertEqual([caption for _, caption in self.tray.menu()], ENTRIES)
+            self.assertEqual([caption for _, caption in self.tray.menu()],
+                             ["Show", "-", "Help", "About", "-", "Exit"])
             self.assertEqual(self.tray.tool_tip(), "Quillmere")
         self.choose("Exit")
         self.assertEqual(self.watched.process.wait(20), 0)
@@ -167,7 +146,12 @@ class TrayTest(DesktopTest):
                     self.put_up(tray)
                     self.watched = self.started(config=options(to_tray=self.to_tray))
                     wait_until(self.tray.items, "the icon")
-                    self.check_ways_back()
+                    for leave in (self.minimise, self.watched.switch_maximised):
+                        for way in (self.tray.click, self.tray.double_click,
+                                    lambda: self.choose("Show")):
+                            leave()
+                            way()
+                            self.check_back()
                     self.check_what_stands_over_it()
                     self.check_menu()
                     self.take_down()

@@ -1,5 +1,4 @@
-"""Cookie files, broken ones among them and always the same; entries that only look like cookie
-files (a folder, a pipe, a dangling link, a hidden file); and one file with a line of 20 MB."""
+"""Cookie files, many broken, entries that look like ones, and a file with a line of 20 MB."""
 
 import os
 import random
@@ -12,7 +11,8 @@ HIGH_WORDS = [
     b"30000000.", b"4294967295", b"2147483647", b"2147483647.4", b"2147483647.5", b"2147483648",
     b"-2147483648", b"617250000", b"620000000", b"1e999", b"-1e999", b"1e-999", b"1e", b"1e+", b".",
     b"--1", b"+-1", b"-", b"", b" ", b"never", b"inf", b"nan", b"0x1C58A00", b"&H10", b"1_000",
-    b"1,000", "٣٠".encode(), b"\xff30000000", b"30\x0000000", b"0." + b"0" * 500 + b"1", b"9" * 5000,
+    b"1,000", "٣٠".encode(), b"\xff30000000", b"30\x0000000", b"0." + b"0" * 500 + b"1",
+    b"9" * 5000,
 ]
 WORDS = [b"uid", b"lang", b"UserPassword", b"PASSWORD_HINT", b"session", b"", b" ", b"a%3Db%20c",
          b"x" * 300, b"tab\there", b"\x00", b"nul\x00inside", "größe".encode(), "名前".encode(),

@@ -72,7 +72,7 @@ def take_pages(program):
         program.select_tab(tab)
         if tab == "Search":
             results = program.control("tree", "Search results")
-            next(program.controls("push button", "Search")).press()
+            program.button("Search").press()
             wait_until(lambda: results.rows(), "the results")
         run("xdotool", "mousemove", 5, 5)
         run("sleep", "0.5")  # for the last drawing of the page

@@ -90,34 +90,26 @@ TEST(Files, InputOpensOrdinaryFilesOnlyAlsoInAFolderAtHand) {
   expect(false, {".hidden.txt", "pipe.txt", "sub.txt", "broken.txt", "none.txt", ""});
 }
 
-TEST(Files, ReplaceKeepsModeAndLinksAndLeavesNothingBehind) {
+TEST(Files, ReplaceKeepsModeAndLinksAndIsWholeOrNone) {
   const TemporaryFolder folder;
-  chmod(folder.Write("old.ini", "a longer text than the new one").c_str(), 0640);
+  const std::string old = folder.Write("old.ini", "a longer text than the new one");
+  chmod(old.c_str(), 0640);
+  std::filesystem::create_hard_link(folder.Write("a.ini", "old"), folder.Path("twin.ini"));
   symlink("old.ini", folder.Path("link.ini").c_str());
   symlink("ring.ini", folder.Path("ring.ini").c_str());
   chmod(folder.Write("locked.ini", "old").c_str(), 0444);
   mkfifo(folder.Path("pipe.ini").c_str(), 0600);
+  folder.Write(".quillmere-new-1");  // of a process that runs
   const Names before = folder.Entries();
   // Left by processes that were killed, the last one of the same number as this one.
   for (const pid_t process : {999'999'999, getpid()}) {
     folder.Write(".quillmere-new-" + std::to_string(process));
   }
   EXPECT_TRUE(ReplaceFile(folder.Path("link.ini"), "new"));
+  EXPECT_TRUE(ReplaceFile(folder.Path("a.ini"), "whole"));
   for (const char* name : {"ring.ini", "locked.ini", "pipe.ini", "none/new.ini", ""}) {
     EXPECT_FALSE(ReplaceFile(folder.Path(name), "new")) << name;
   }
-  EXPECT_EQ(folder.Read("old.ini") + folder.Read("locked.ini"), "newold");
-  EXPECT_EQ(std::filesystem::status(folder.Path("old.ini")).permissions(),
-            std::filesystem::perms{0640});
-  EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link.ini")));
-  EXPECT_EQ(folder.Entries(), before);
-}
-
-TEST(Files, AReplacedFileIsTheOldOneOrTheNewOne) {
-  const TemporaryFolder folder;
-  folder.Write(".quillmere-new-1");  // of a process that runs
-  std::filesystem::create_hard_link(folder.Write("a.ini", "old"), folder.Path("twin.ini"));
-  EXPECT_TRUE(ReplaceFile(folder.Path("a.ini"), "whole"));
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit usual{};
   getrlimit(RLIMIT_FSIZE, &usual);
@@ -126,8 +118,11 @@ TEST(Files, AReplacedFileIsTheOldOneOrTheNewOne) {
   const bool replaced = ReplaceFile(folder.Path("a.ini"), "new");
   setrlimit(RLIMIT_FSIZE, &usual);
   EXPECT_FALSE(replaced);
-  EXPECT_EQ(folder.Read("a.ini") + folder.Read("twin.ini"), "wholeold");
-  EXPECT_EQ(folder.Entries(), Names({"a.ini", "twin.ini", ".quillmere-new-1"}));
+  EXPECT_EQ(folder.Read("a.ini") + folder.Read("twin.ini") + folder.Read("old.ini"), "wholeoldnew");
+  EXPECT_EQ(folder.Read("locked.ini"), "old");
+  EXPECT_EQ(std::filesystem::status(old).permissions(), std::filesystem::perms{0640});
+  EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link.ini")));
+  EXPECT_EQ(folder.Entries(), before);
 }
 
 TEST(Files, AShortReadIsNotTheEndOfAFile) {

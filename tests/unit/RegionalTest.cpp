@@ -10,11 +10,7 @@
 
 using namespace platform;
 
-namespace {
-
-std::string Text(const SYSTEMTIME& date) { return Format(date, "YYYY-MM-DD HH:MM:SS"); }
-
-}  // namespace
+static std::string Text(const SYSTEMTIME& date) { return Format(date, "YYYY-MM-DD HH:MM:SS"); }
 
 TEST(Regional, NumbersAndDatesFollowTheMask) {
   const std::string keyMask = "00000000000000000000.0000000000";

@@ -23,7 +23,7 @@ class TemporaryFolder {
     std::filesystem::remove_all(folder_, ignored);
   }
 
-  /// The folder, ending in a separator, and what lies in it.
+  /// The folder ends in a separator.
   std::string Path(std::string_view name = {}) const { return folder_ + std::string(name); }
 
   /// Writes a file, in folders that are made where missing.

@@ -19,16 +19,20 @@
 
 namespace {
 
-std::vector<QWidget*> Windows(const char* name, bool onScreenOnly = false) {
+std::vector<QWidget*> Windows(const char* name) {
   std::vector<QWidget*> found;
   for (QWidget* window : QApplication::topLevelWidgets()) {
-    const bool counts = window->isVisible() || !onScreenOnly;
-    if (counts && window->objectName() == name) found.push_back(window);
+    if (window->objectName() == name) found.push_back(window);
   }
   return found;
 }
 
-std::vector<QWidget*> Shown() { return Windows("FormMsg", true); }
+/// The popups that are on the screen.
+std::vector<QWidget*> Shown() {
+  std::vector<QWidget*> shown = Windows("FormMsg");
+  std::erase_if(shown, [](const QWidget* popup) { return !popup->isVisible(); });
+  return shown;
+}
 
 void Press(const QWidget& popup, const char* button) {
   popup.findChild<QPushButton*>(button)->click();
@@ -47,14 +51,6 @@ std::string ClosedDetails() {
   return texts;
 }
 
-/// Opens the detail of a row, and returns what it shows.
-std::string Detail(CookieLists& window, int position) {
-  platform::ListView& list = window.ListVCookie;
-  for (int row = 1; row <= list.Count(); ++row) list.Item(row).Selected(row == position);
-  ShowCookieDetail(list, window);
-  return ClosedDetails();
-}
-
 class SmallWindows : public testing::Test {
  protected:
   static void OpenPopups(int count, const std::string& text = "text", bool canView = true) {
@@ -69,20 +65,26 @@ class SmallWindows : public testing::Test {
 
 TEST_F(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
   CookieLists window;
-  EXPECT_EQ(Detail(window, 0), "") << "a list without rows has no detail";
+  platform::ListView& list = window.ListVCookie;
+  const auto detail = [&](int position) {
+    for (int row = 1; row <= list.Count(); ++row) list.Item(row).Selected(row == position);
+    ShowCookieDetail(list, window);
+    return ClosedDetails();
+  };
+  EXPECT_EQ(detail(0), "") << "a list without rows has no detail";
   const std::string name = "a[*]b[*][*].txt";
   PublicDim.KnownRows = {{name, "136", "then"}, {"gone.txt", "136", "then"}};
   for (const CookieFileRow& row : PublicDim.KnownRows) {
     folder_.Write(row.FileName, Record("old", "", "s"));
   }
-  LoadCookieList(window.ListVCookie);
+  LoadCookieList(list);
   std::filesystem::remove(folder_.Path("gone.txt"));
-  EXPECT_EQ(Detail(window, 2), "Detail\n");
+  EXPECT_EQ(detail(2), "Detail\n");
   folder_.Write(name, Record("uid", "a%3Db", "shop/", "-1"));
   const std::string now =
       "Detail - " + name + "\nCookie name: uid\nValue: a%3Db\nServer: shop\nExpire: -\n\n";
-  EXPECT_EQ(Detail(window, 1), now);
-  EXPECT_EQ(Detail(window, 2), now);
+  EXPECT_EQ(detail(1), now);
+  EXPECT_EQ(detail(2), now);
 }
 
 TEST_F(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {

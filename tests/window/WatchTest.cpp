@@ -63,25 +63,25 @@ TEST_F(Watch, AStartInsideAComparisonsScanWaitsForItsEndAndTheTimerTicksOn) {
 
 TEST_F(Watch, StopAndStartOverAndOverDoNotPileUpOnTheStack) {
   FormMain form;
-  std::uintptr_t lowest = UINTPTR_MAX;
-  std::uintptr_t highest = 0;
+  const auto depth = [top = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0))] {
+    return top - reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
+  };
+  std::uintptr_t deepest = 0;
   int rounds = 0;
   act_ = [&] {
-    const auto here = reinterpret_cast<std::uintptr_t>(__builtin_frame_address(0));
-    lowest = std::min(lowest, here);
-    highest = std::max(highest, here);
+    deepest = std::max(deepest, depth());
     form.CmdStop.Click();
     if (++rounds < 1000) return form.CmdStart.Click();
     act_ = nullptr;
   };
   form.Load();
   EXPECT_EQ(rounds, 1000);
-  EXPECT_LT(highest - lowest, 64 * 1024u);
+  EXPECT_LT(deepest, 256 * 1024u);
 }
 
 TEST_F(Watch, TheCleanerInsideAScan) {
   FormMain form;
-  const Answers yes(QMessageBox::Yes);
+  const Answers yes;
   int cleaned = 0;
   const auto clean = [&](int most) {
     if (cleaned >= most || !InsideAScan()) return;

@@ -19,9 +19,7 @@ class RecycleBin : public testing::Test {
  protected:
   RecycleBin() {
     setenv("HOME", Path("home").c_str(), 1);
-    for (const char* name : {"home/trash/files", "home/trash/info"}) {
-      fs::create_directories(Path(name));
-    }
+    for (const char* part : {"files", "info"}) fs::create_directories(Path("home/trash/") + part);
     for (const std::string& name : outside_) top_.Write(name);
     chmod(Path("outside").c_str(), 01777);
   }
@@ -46,12 +44,12 @@ class RecycleBin : public testing::Test {
 
 TEST_F(RecycleBin, RemovesEverythingAndFollowsNoLink) {
   for (const char* name : {"files/file", "files/folder/below/file", "files/.hidden",
-                           "files/read-only", "info/file.trashinfo", "directorysizes"}) {
+                           "files/read-only", "info/file.trashinfo", "expunged/1/file", "directorysizes"}) {
     top_.Write(std::string("home/trash/") + name);
   }
   chmod(Path("home/trash/files/read-only").c_str(), 0400);
   mkfifo(Path("home/trash/files/pipe").c_str(), 0600);
-  for (const char* name : {"files/link", "files/deep/link", "expunged"}) {
+  for (const char* name : {"files/link", "files/deep/link"}) {
     Link(std::string("home/trash/") + name, Path("outside"));
   }
   Link("home/trash/files/to-file", Path("outside/folder/file"));
@@ -64,7 +62,9 @@ TEST_F(RecycleBin, RemovesEverythingAndFollowsNoLink) {
     }
   }
   EXPECT_TRUE(Empty());
-  EXPECT_TRUE(fs::is_empty(Path("home/trash/files")) && fs::is_empty(Path("home/trash/info")));
+  for (const char* part : {"files", "info", "expunged"}) {
+    EXPECT_TRUE(fs::is_empty(Path(std::string("home/trash/") + part))) << part;
+  }
   EXPECT_FALSE(top_.Has("home/trash/directorysizes"));
   EXPECT_TRUE(Empty()) << "a trash that is empty already";
 }
@@ -74,8 +74,12 @@ TEST_F(RecycleBin, RefusesATrashThatIsALinkOrHoldsTheHomeFolder) {
   Link("home/trash", Path("outside"));
   EXPECT_FALSE(Empty());
   fs::remove(Path("home/trash"));
-  Link("home/trash/files", Path("outside/files"));
-  Empty();
+  for (const char* part : {"files", "expunged"}) {
+    Link(std::string("home/trash/") + part, Path("outside/files"));
+  }
+  top_.Write("home/trash/info/file.trashinfo");
+  EXPECT_FALSE(Empty());
+  EXPECT_TRUE(top_.Has("home/trash/info/file.trashinfo")) << "what stayed can be restored";
   for (const char* home : {"outside", "outside/files", "outside/files/below"}) {
     fs::create_directories(Path(home));
     setenv("HOME", Path(home).c_str(), 1);

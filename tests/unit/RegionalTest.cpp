@@ -55,9 +55,8 @@ TEST(Regional, DatesAreReadYearFirstOrInTheRegionalOrder) {
 }
 
 TEST(Regional, AnExpiryIsADateOfItsZoneOrNone) {
-  for (const auto& [text, date] : {std::pair("617110110", "9999-12-31"), {"617110111", "-"}}) {
-    EXPECT_EQ(ExpireDateText(text), date) << text;
-  }
+  EXPECT_EQ(ExpireDateText("617110110"), "9999-12-31");
+  EXPECT_EQ(ExpireDateText("617110111"), "-");
   setenv("TZ", "America/New_York", 1);
   // The offset is looked up once a second.
   const time_t now = time(nullptr);

@@ -51,19 +51,15 @@ std::string ClosedDetails() {
   return texts;
 }
 
-class SmallWindows : public testing::Test {
- protected:
-  static void OpenPopups(int count, const std::string& text = "text", bool canView = true) {
-    PublicDim.MsgEnabled = true;
-    PublicDim.MsgText = text;
-    PublicDim.MsgCanView = canView;
-    for (int i = 0; i < count; ++i) ShowChangePopup();
-  }
+void OpenPopups(int count, const std::string& text = "text", bool canView = true) {
+  PublicDim.MsgEnabled = true;
+  PublicDim.MsgText = text;
+  PublicDim.MsgCanView = canView;
+  for (int i = 0; i < count; ++i) ShowChangePopup();
+}
 
-  CookieFolder folder_;
-};
-
-TEST_F(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
+TEST(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
+  const CookieFolder folder;
   CookieLists window;
   platform::ListView& list = window.ListVCookie;
   const auto detail = [&](int position) {
@@ -75,20 +71,21 @@ TEST_F(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
   const std::string name = "a[*]b[*][*].txt";
   PublicDim.KnownRows = {{name, "136", "then"}, {"gone.txt", "136", "then"}};
   for (const CookieFileRow& row : PublicDim.KnownRows) {
-    folder_.Write(row.FileName, Record("old", "", "s"));
+    folder.Write(row.FileName, Record("old", "", "s"));
   }
   LoadCookieList(list);
-  std::filesystem::remove(folder_.Path("gone.txt"));
+  std::filesystem::remove(folder.Path("gone.txt"));
   EXPECT_EQ(detail(2), "Detail\n");
-  folder_.Write(name, Record("uid", "a%3Db", "shop/", "-1"));
+  folder.Write(name, Record("uid", "a%3Db", "shop/", "-1"));
   const std::string now =
       "Detail - " + name + "\nCookie name: uid\nValue: a%3Db\nServer: shop\nExpire: -\n\n";
   EXPECT_EQ(detail(1), now);
   EXPECT_EQ(detail(2), now);
 }
 
-TEST_F(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
-  folder_.Write("new.txt", Record("latest", "v", "s/"));
+TEST(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
+  const CookieFolder folder;
+  folder.Write("new.txt", Record("latest", "v", "s/"));
   PublicDim.MsgFileName = "old.txt";
   OpenPopups(1, "Cookie file added\nold.txt");
   OpenPopups(1, "Cookie file removed\ngone.txt", false);
@@ -103,7 +100,7 @@ TEST_F(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
   EXPECT_NE(ClosedDetails().find("Cookie name: latest\n"), std::string::npos);
 }
 
-TEST_F(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
+TEST(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
   OpenPopups(200);
   QTest::qWait(0);
   EXPECT_LT(Shown().size(), 40U);
@@ -115,7 +112,7 @@ TEST_F(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
   }
 }
 
-TEST_F(SmallWindows, PopupsCloseAtTheirOwnSixthTickSeenOrNot) {
+TEST(SmallWindows, PopupsCloseAtTheirOwnSixthTickSeenOrNot) {
   OpenPopups(50);
   QTest::qWait(2500);
   OpenPopups(1);

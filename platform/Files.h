@@ -70,7 +70,8 @@ class FolderAtHand {
 };
 
 /// Gives a file new content. What was there before, or all of the new content, is what any reader
-/// finds at any moment, also after a full disk or a kill. False when the old content stayed.
+/// finds at any moment, also after a full disk or a kill; but a file whose folder takes no other is
+/// written over in its place. False when the old content stayed.
 bool ReplaceFile(const std::string& path, std::string_view content);
 
 /// Adds text at a file's end with a single write, creating the file when it is missing. Text that

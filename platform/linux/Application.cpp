@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <fcntl.h>
 #include <filesystem>
+#include <optional>
 #include <system_error>
 #include <unistd.h>
 
@@ -19,6 +20,7 @@
 #include "platform/Forms.h"
 #include "platform/linux/Paths.h"
 #include "platform/linux/Widgets.h"
+#include "platform/linux/XServer.h"
 
 namespace platform {
 
@@ -76,10 +78,11 @@ class Application : public QApplication {
   }
 };
 
-/// On a plain X server a session ends with the server, and the toolkit then exits on the spot.
+/// On a plain X server a session ends with the server, and the toolkit then exits on the spot, be
+/// it in a yield of an unload that is under way.
 void UnloadAtExit() {
   ProcessEnds = true;
-  if (auto* application = dynamic_cast<Application*>(qApp)) application->StartUp->Unload();
+  if (auto* application = dynamic_cast<Application*>(qApp)) application->StartUp->Form_Unload();
 }
 
 /// The classic dialog face at 8.25 points is 11 pixels high; the faces named here have its widths.
@@ -104,11 +107,10 @@ const std::string& ExecutablePath() {
   return path;
 }
 
-/// Popups need a place of their own choosing and a topmost band: X11 or XWayland has both.
-void PreferX11() {
-  if (std::getenv("QT_QPA_PLATFORM") == nullptr && std::getenv("DISPLAY") != nullptr) {
-    setenv("QT_QPA_PLATFORM", "xcb", 1);
-  }
+/// What was given at the start, the toolkit's own switches with it.
+std::string& CommandLine() {
+  static std::string line;
+  return line;
 }
 
 }  // namespace
@@ -120,17 +122,19 @@ std::string AppPath() {
 
 std::string AppExeName() { return NameOf(ExecutablePath()); }
 
-std::string Command() {
-  return ToText(QCoreApplication::arguments().mid(1).join(QLatin1Char(' ')));
-}
+std::string Command() { return CommandLine(); }
 
 int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Form>()>& startUp) {
-  PreferX11();
+  for (int i = 1; i < argc; ++i) CommandLine() += (i > 1 ? " " : "") + std::string(argv[i]);
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow is a write that fails
   // The wait for a change listens to what Qt's GLib dispatcher waits for.
   unsetenv("QT_NO_GLIB");
   // What the toolkit misses of a desktop is no news for the terminal; QT_LOGGING_RULES shows it.
   QLoggingCategory::setFilterRules("*=false");
+  // Popups need a place of their own choosing and a topmost band, which only X11 has.
+  std::optional<X11Choice> x11(std::in_place);
   Application application(argc, argv);
+  x11.reset();
   QCoreApplication::setApplicationName("Quillmere");
   ExecutablePath();
   QApplication::setFont(DialogFont());

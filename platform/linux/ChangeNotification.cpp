@@ -135,6 +135,7 @@ class Watch {
     if (!events || inotify_add_watch(events.Number(), folder_.c_str(), mask) < 0) return false;
     events_ = std::move(events);
     place_ = *place;
+    readable_ = true;  // or it could not be watched
     counting_ = (names ? NameEvents : 0u) | (writes ? static_cast<std::uint32_t>(IN_MODIFY) : 0u);
     if (writes) times_.Fill(folder_);
     return true;

@@ -176,6 +176,27 @@ class Successor {
   bool placed_ = false;
 };
 
+/// Puts a new file in the place of a path's last part. 0 or what stood against it.
+int PutInPlace(const std::string& path, const struct stat* old, std::string_view content) {
+  const Descriptor folder(open(FolderOf(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  if (!folder) return errno;
+  RemoveOrphans(FolderOf(path));
+  Successor successor(folder.Number(), NameOf(path));
+  if (!successor) return errno;
+  if (old != nullptr) successor.Inherit(*old);
+  if (!successor.Place(content)) return errno;
+  fsync(folder.Number());
+  return 0;
+}
+
+/// For a file whose folder takes no other in its place. The old content is not cut off before the
+/// new one stands, so a disk that is full keeps it.
+bool WriteOver(const std::string& path, std::string_view content) {
+  const Descriptor file(open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
+  return file && WriteAll(file.Number(), content) &&
+         ftruncate(file.Number(), static_cast<off_t>(content.size())) == 0;
+}
+
 struct FolderReading {
   explicit FolderReading(const std::string& pattern) : Listing(pattern), Ahead(Listing) {}
 
@@ -263,22 +284,16 @@ bool ReplaceFile(const std::string& path, std::string_view content) {
   if (!IsPath(path)) return false;
   const std::optional<std::string> target = FollowLinks(path);
   if (!target || NameOf(*target).empty()) return false;
-  const Descriptor folder(open(FolderOf(*target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-  if (!folder) return false;
-  const std::string name = NameOf(*target);
   struct stat old;
-  const bool exists = fstatat(folder.Number(), name.c_str(), &old, AT_SYMLINK_NOFOLLOW) == 0;
+  const bool exists = lstat(target->c_str(), &old) == 0;
   if (exists && (!S_ISREG(old.st_mode) || (old.st_mode & S_IWUSR) == 0 ||
-                 faccessat(folder.Number(), name.c_str(), W_OK, AT_EACCESS) != 0)) {
+                 faccessat(AT_FDCWD, target->c_str(), W_OK, AT_EACCESS) != 0)) {
     return false;  // The rename would replace what may not be written.
   }
-  RemoveOrphans(FolderOf(*target));
-  Successor successor(folder.Number(), name);
-  if (!successor) return false;
-  if (exists) successor.Inherit(old);
-  if (!successor.Place(content)) return false;
-  fsync(folder.Number());
-  return true;
+  const int failure = PutInPlace(*target, exists ? &old : nullptr, content);
+  const bool refused =
+      failure == EACCES || failure == EPERM || failure == EBUSY || failure == EROFS;
+  return failure == 0 || (exists && refused && WriteOver(*target, content));
 }
 
 bool AppendFile(const std::string& path, std::string_view text) {

@@ -72,7 +72,8 @@ void ComeForward(QWidget& window) {
 }
 
 std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
-  static std::map<Form*, std::unique_ptr<Form>> forms;
+  // Never freed: where the process ends with windows open, they end with it.
+  static auto& forms = *new std::map<Form*, std::unique_ptr<Form>>;
   return forms;
 }
 

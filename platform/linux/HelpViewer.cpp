@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <sys/socket.h>
 #include <sys/stat.h>
@@ -21,6 +22,7 @@
 
 #include "platform/linux/Descriptor.h"
 #include "platform/linux/HelpWindow.h"
+#include "platform/linux/XServer.h"
 
 namespace platform {
 
@@ -95,7 +97,9 @@ int ShowHelp(int argc, char** argv) {
   // A session that is restored must not open a help that was open when it ended.
   unsetenv("SESSION_MANAGER");
   const Descriptor calls = BecomeTheViewer();
+  std::optional<X11Choice> x11(std::in_place);  // where a window can come to the front
   QApplication application(argc, argv);
+  x11.reset();
   QCoreApplication::setApplicationName("Quillmere");
 
   // By this way the pages are found under any bytes that the folder's path has.

@@ -107,7 +107,7 @@ class PopupPile {
 };
 
 PopupPile& Pile() {
-  static PopupPile pile;
+  static auto& pile = *new PopupPile;  // as the windows in it, never freed
   return pile;
 }
 

@@ -2,6 +2,7 @@
 #include <chrono>
 #include <dirent.h>
 #include <fstream>
+#include <functional>
 #include <future>
 #include <memory>
 #include <set>
@@ -56,10 +57,12 @@ std::vector<std::string> NamesIn(int folder) {
   return names;
 }
 
-/// Removes what lies in a folder of the trash.
+/// Removes what lies in a folder of the trash, but for the entries that are to be kept.
 class Emptier {
  public:
-  explicit Emptier(int top) : top_(top) {}
+  using Keeps = std::function<bool(const std::string& name)>;
+
+  Emptier(int top, Keeps keeps) : top_(top), keeps_(std::move(keeps)) {}
 
   void Empty() {
     do {
@@ -71,6 +74,7 @@ class Emptier {
  private:
   void EmptyFolder(int folder, int depth) {
     for (const std::string& name : NamesIn(folder)) {
+      if (depth == 0 && keeps_ && keeps_(name)) continue;
       if (unlinkat(folder, name.c_str(), 0) != 0) RemoveFolder(folder, name, depth);
     }
   }
@@ -97,30 +101,39 @@ class Emptier {
   static constexpr int DeepestLevel = 100;
 
   int top_;
+  Keeps keeps_;
   int broughtUp_ = 0;
   int newNames_ = 0;
 };
 
-/// Empties one of the folders of a trash and returns the names that stayed.
-std::vector<std::string> EmptyPart(int trash, const std::string& part) {
-  const Descriptor folder = OpenToEmpty(trash, part);
-  if (!folder) return {};
-  Emptier(folder.Number()).Empty();
-  return NamesIn(folder.Number());
+bool IsMissing(int folder, const std::string& name) {
+  struct stat info;
+  return fstatat(folder, name.c_str(), &info, AT_SYMLINK_NOFOLLOW) != 0 && errno == ENOENT;
 }
 
-/// What could not be thrown away keeps the record of where it came from, and can be restored.
-void RemoveRecords(int trash, const std::vector<std::string>& stayed) {
-  const std::set<std::string> stay(stayed.begin(), stayed.end());
-  const std::string ending = ".trashinfo";
-  const Descriptor folder = OpenToEmpty(trash, "info");
-  if (!folder) return;
-  if (stay.empty()) return Emptier(folder.Number()).Empty();
-  for (const std::string& name : NamesIn(folder.Number())) {
-    const bool kept =
-        name.ends_with(ending) && stay.contains(name.substr(0, name.size() - ending.size()));
-    if (!kept) unlinkat(folder.Number(), name.c_str(), 0);
-  }
+/// Empties one of the folders of a trash. False when anything stayed.
+bool EmptyPart(int trash, const std::string& part, const Emptier::Keeps& keeps = {}) {
+  const Descriptor folder = OpenToEmpty(trash, part);
+  if (!folder) return IsMissing(trash, part);
+  Emptier(folder.Number(), keeps).Empty();
+  return NamesIn(folder.Number()).empty();
+}
+
+/// Empties the files and their records. False when any file stayed.
+bool EmptyFiles(int trash) {
+  const Descriptor info = OpenToEmpty(trash, "info");
+  const std::vector<std::string> names = NamesIn(info.Number());
+  const std::set<std::string> known(names.begin(), names.end());
+  const bool all = EmptyPart(trash, "files");
+  // What stayed can be restored with the record of where it came from, as can what another program
+  // has thrown away since: it writes the record first.
+  EmptyPart(trash, "info", [&](const std::string& name) {
+    const std::string_view ending = ".trashinfo";
+    if (!name.ends_with(ending)) return false;
+    const std::string file = "files/" + name.substr(0, name.size() - ending.size());
+    return !known.contains(name) || !IsMissing(trash, file);
+  });
+  return all;
 }
 
 bool IsOwn(const Descriptor& folder) {
@@ -130,13 +143,12 @@ bool IsOwn(const Descriptor& folder) {
 
 bool EmptyOneTrash(const Descriptor& trash) {
   if (!IsOwn(trash) || HoldsHome(trash.Number())) return false;
-  std::vector<std::string> stayed = EmptyPart(trash.Number(), "files");
-  RemoveRecords(trash.Number(), stayed);
+  const bool files = EmptyFiles(trash.Number());
   // Where file managers put what they are deleting themselves.
-  const std::vector<std::string> expunged = EmptyPart(trash.Number(), "expunged");
+  const bool expunged = EmptyPart(trash.Number(), "expunged");
   // Sizes of the folders in the trash; made anew by whoever needs them.
   unlinkat(trash.Number(), "directorysizes", 0);
-  return stayed.empty() && expunged.empty();
+  return files && expunged;
 }
 
 bool IsSticky(const Descriptor& folder) {

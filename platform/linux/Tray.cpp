@@ -180,7 +180,7 @@ class TrayIcon : public QObject {
 
 /// The icon, or none while no window has added one.
 std::unique_ptr<TrayIcon>& Icon() {
-  static std::unique_ptr<TrayIcon> icon;
+  static auto& icon = *new std::unique_ptr<TrayIcon>;  // what is there at exit is not freed
   return icon;
 }
 

@@ -7,6 +7,16 @@
 
 namespace platform {
 
+static constexpr const char* Platform = "QT_QPA_PLATFORM";
+
+X11Choice::X11Choice()
+    : made_(std::getenv(Platform) == nullptr && std::getenv("DISPLAY") != nullptr &&
+            setenv(Platform, "xcb", 0) == 0) {}
+
+X11Choice::~X11Choice() {
+  if (made_) unsetenv(Platform);
+}
+
 xcb_connection_t* XConnection() {
   // Other platform plugins offer the interface too, without a connection.
   if (QGuiApplication::platformName() != QLatin1String("xcb")) return nullptr;

@@ -7,6 +7,19 @@
 
 namespace platform {
 
+/// Has an application that is made meanwhile take X11, or XWayland, where the user names no
+/// platform. What the program starts later chooses for itself.
+class X11Choice {
+ public:
+  X11Choice();
+  X11Choice(const X11Choice&) = delete;
+  X11Choice& operator=(const X11Choice&) = delete;
+  ~X11Choice();
+
+ private:
+  bool made_;
+};
+
 /// The connection to the X server, or none on another kind of display.
 xcb_connection_t* XConnection();
 

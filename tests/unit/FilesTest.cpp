@@ -1,5 +1,6 @@
 #include <csignal>
 #include <string>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -123,6 +124,19 @@ TEST(Files, ReplaceKeepsModeAndLinksAndIsWholeOrNone) {
   EXPECT_EQ(std::filesystem::status(old).permissions(), std::filesystem::perms{0640});
   EXPECT_TRUE(std::filesystem::is_symlink(folder.Path("link.ini")));
   EXPECT_EQ(folder.Entries(), before);
+}
+
+TEST(Files, AFileWhoseFolderTakesNoOtherIsWrittenOver) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Write("fixed/old.ini", "a longer text than the new one");
+  // A mount stops root as the folder's rights stop a user.
+  const bool mounted = mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0;
+  if (geteuid() == 0 && !mounted) GTEST_SKIP() << "mounting is not permitted";
+  chmod(folder.Path("fixed").c_str(), 0500);
+  EXPECT_TRUE(ReplaceFile(path, "new"));
+  chmod(folder.Path("fixed").c_str(), 0700);
+  if (mounted) umount(path.c_str());
+  EXPECT_EQ(folder.Read("fixed/old.ini"), "new");
 }
 
 TEST(Files, AShortReadIsNotTheEndOfAFile) {

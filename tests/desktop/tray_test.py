@@ -7,8 +7,6 @@ from harness import (DesktopTest, act_until, double_click, end_process, front, k
                      run, viewers, wait_until)
 from notifier_host import NotifierTray
 
-CLIENT = (535, 254)
-
 
 class EmbeddingTray:
     """A tray of the older kind; it is used with the mouse."""
@@ -17,13 +15,16 @@ class EmbeddingTray:
         self.process = desktop.start("trayer", "--edge", "bottom", "--align", "left", "--widthtype",
                                      "request", "--height", "24", "--expand", "false")
 
+    def tree(self):  # it cannot be read while a window goes
+        return wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
+
     def is_up(self):
-        return run("xdotool", "search", "--onlyvisible", "--class", "trayer", check=False)
+        return '"panel" "trayer"' in self.tree()
 
     def items(self):
         """Where the icons are: the program's windows of an icon's size in the lower part."""
-        tree = wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
-        found = re.findall(r'"quillmere" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n', tree)
+        found = re.findall(r'"quillmere" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n',
+                           self.tree())
         return [(int(left) + 5, int(top) + 5) for left, top in found]
 
     def click(self, button=1):
@@ -49,7 +50,7 @@ class TrayTest(DesktopTest):
     def check_back(self):
         program = self.watched
         wait_until(lambda: program.mapped() and front() == program.find_window(), "it in front")
-        self.wait_for_equal(lambda: program.geometry()[2:], CLIENT)
+        self.wait_for_equal(lambda: program.geometry()[2:], (535, 254))
         self.assertNotRegex(program.window_states(), "HIDDEN|MAXIMIZED")
         self.assertTrue(self.in_taskbar())
 

@@ -43,8 +43,9 @@ class RecycleBin : public testing::Test {
 };
 
 TEST_F(RecycleBin, RemovesEverythingAndFollowsNoLink) {
-  for (const char* name : {"files/file", "files/folder/below/file", "files/.hidden",
-                           "files/read-only", "info/file.trashinfo", "expunged/1/file", "directorysizes"}) {
+  for (const char* name :
+       {"files/file", "files/folder/below/file", "files/.hidden", "files/read-only",
+        "info/file.trashinfo", "expunged/1/file", "directorysizes"}) {
     top_.Write(std::string("home/trash/") + name);
   }
   chmod(Path("home/trash/files/read-only").c_str(), 0400);

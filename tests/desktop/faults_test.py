@@ -168,7 +168,7 @@ class FaultsTest(DesktopTest):
         """No bus, no tray, no sound, no home: the window is there, and nothing is complained of."""
         locked = self.desktop.home / "locked"
         locked.mkdir(0o500)
-        for home in ("/nowhere/at/all", str(locked), "/dev/null"):
+        for home in (f"{locked}/not/there", str(locked), "/dev/null"):
             with self.subTest(home):
                 program = self.program(accessible=False)
                 program.env = {name: value for name, value in program.env.items()
@@ -206,12 +206,21 @@ class FaultsTest(DesktopTest):
         self.assertEqual(config.read_bytes(), SAVE_LOG)
 
     def test_x_server_goes(self):
-        display = self.desktop.start_display()
-        server = self.desktop.processes[-1]
-        program = self.started(env={"DISPLAY": display}, accessible=False)
-        server.kill()
-        self.assertEqual(program.process.wait(10), 0)
-        self.assertTrue((program.folder / "config.ini").exists())
+        """By itself, and in a shutdown, which ends everything at once; a popup is open."""
+        for shutdown in (False, True):
+            with self.subTest(shutdown=shutdown):
+                display = self.desktop.start_display()
+                server = self.desktop.processes[-1]
+                program = self.started(env={"DISPLAY": display}, accessible=False)
+                (program.cookies / "a.txt").touch()
+                program.wait_for_rest()
+                with program.paused():
+                    server.terminate()
+                    if shutdown:
+                        program.process.terminate()
+                    server.wait()
+                self.assertEqual(program.process.wait(10), 0)
+                self.assertTrue((program.folder / "config.ini").exists())
 
     def test_names(self):
         """Whatever a name is made of: a line is a line, and a row a row."""

@@ -4,7 +4,7 @@ import os
 import re
 from pathlib import Path
 
-from harness import ROOT, DesktopTest, cookies, front, key, main, run, viewers, wait_until
+from harness import ROOT, DesktopTest, act_until, cookies, front, key, main, run, viewers, wait_until
 
 BUILD = Path(os.environ.get("QUILLMERE_BUILD_DIR", ROOT / "build/release"))
 
@@ -15,7 +15,11 @@ class PortableTest(DesktopTest):
         run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", made)
         place.mkdir(exist_ok=True)
         run("tar", "-xzf", *made.glob("quillmere-*.tar.gz"), "-C", place)
-        self.unpacked = self.program(env={"HOME": str(place)})
+        opener = self.desktop.home / "xdg-open"
+        opener.write_text('#!/bin/sh\necho "$PWD|$QT_QPA_PLATFORM|$1" >"$0.told"\n')
+        opener.chmod(0o700)
+        self.unpacked = self.program(env={"HOME": str(place),
+                                          "PATH": f"{opener.parent}:{self.desktop.env['PATH']}"})
         self.unpacked.folder = place / "quillmere"
         del self.unpacked.env["XDG_DATA_HOME"], self.unpacked.env["XDG_CONFIG_HOME"]
         self.unpacked.cookies = place / ".local/share/quillmere/cookies"
@@ -29,6 +33,13 @@ class PortableTest(DesktopTest):
         pictures = re.findall(r"\]\((.*\.png)\)", (program.folder / "README.md").read_text())
         for file in ("LICENSE", *pictures):
             self.assertTrue((program.folder / file).is_file(), file)
+
+        # What a link opens is to work in the program's folder, and on a display of its own choice.
+        address = "https://www.quillmere.example/"
+        program.button("About").press()
+        told = self.desktop.home / "xdg-open.told"
+        act_until(program.control("link", address).click, told.exists, "the browser")
+        self.wait_for_equal(told.read_text, f"{program.folder}||{address}\n")
 
     def show_help(self):
         """Returns the one viewer there is, in front."""

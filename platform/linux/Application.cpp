@@ -126,8 +126,10 @@ std::string Command() { return CommandLine(); }
 
 int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Form>()>& startUp) {
   for (int i = 1; i < argc; ++i) CommandLine() += (i > 1 ? " " : "") + std::string(argv[i]);
-  // A file that may not grow is a write that fails.
-  [[maybe_unused]] const auto usual = std::signal(SIGXFSZ, SIG_IGN);
+  // A file that may not grow is a write that fails. What the program starts has the usual handler.
+  struct sigaction nothing {};
+  nothing.sa_handler = [](int) {};
+  sigaction(SIGXFSZ, &nothing, nullptr);
   // The wait for a change listens to what Qt's GLib dispatcher waits for.
   unsetenv("QT_NO_GLIB");
   // What the toolkit misses of a desktop is no news for the terminal; QT_LOGGING_RULES shows it.

@@ -135,7 +135,7 @@ class Watch {
     if (!events || inotify_add_watch(events.Number(), folder_.c_str(), mask) < 0) return false;
     events_ = std::move(events);
     place_ = *place;
-    readable_ = true;  // or it could not be watched
+    readable_ = IsReadable();
     counting_ = (names ? NameEvents : 0u) | (writes ? static_cast<std::uint32_t>(IN_MODIFY) : 0u);
     if (writes) times_.Fill(folder_);
     return true;
@@ -183,10 +183,12 @@ class Watch {
   }
 
   /// Whether the folder can be read decides what a look into it finds.
+  bool IsReadable() const {
+    return faccessat(AT_FDCWD, folder_.c_str(), R_OK | X_OK, AT_EACCESS) == 0 || errno != EACCES;
+  }
   void LookAtRights() {
-    const bool readable =
-        faccessat(AT_FDCWD, folder_.c_str(), R_OK | X_OK, AT_EACCESS) == 0 || errno != EACCES;
-    if (std::exchange(readable_, readable) != readable) signalled_ = true;
+    if (readable_ != IsReadable()) signalled_ = true;
+    readable_ = IsReadable();
   }
 
   /// One look at each file that was written, created or marked, however many events told of it.

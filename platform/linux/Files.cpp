@@ -189,12 +189,17 @@ int PutInPlace(const std::string& path, const struct stat* old, std::string_view
   return 0;
 }
 
-/// For a file whose folder takes no other in its place. The old content is not cut off before the
-/// new one stands, so a disk that is full keeps it.
+/// For a file whose folder takes no other in its place. Room comes first, so a disk that is full
+/// keeps the old content.
 bool WriteOver(const std::string& path, std::string_view content) {
   const Descriptor file(open(path.c_str(), O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC));
-  return file && WriteAll(file.Number(), content) &&
-         ftruncate(file.Number(), static_cast<off_t>(content.size())) == 0;
+  const auto size = static_cast<off_t>(content.size());
+  if (!file || (size > 0 && fallocate(file.Number(), FALLOC_FL_KEEP_SIZE, 0, size) != 0 &&
+                errno != EOPNOTSUPP)) {
+    return false;
+  }
+  return WriteAll(file.Number(), content) && ftruncate(file.Number(), size) == 0 &&
+         fsync(file.Number()) == 0;
 }
 
 struct FolderReading {

@@ -1,7 +1,7 @@
 """A desktop of its own for each test file, and the program on it, used as a person uses it.
 
 What is on the screen is read through the accessibility bus; mouse and keyboard are real ones of the
-X server. Nothing is expected after a fixed time: `wait_until` looks until it holds.
+X server. What can be waited for is expected at no fixed time: `wait_until` looks until it holds.
 """
 
 import contextlib
@@ -339,8 +339,10 @@ class Program:
     def paused(self):
         """The program stands still: what happens meanwhile is one change to it."""
         self.process.send_signal(signal.SIGSTOP)
-        yield
-        self.process.send_signal(signal.SIGCONT)
+        try:
+            yield
+        finally:
+            self.process.send_signal(signal.SIGCONT)
 
     # The window, as a screen reader sees it.
 

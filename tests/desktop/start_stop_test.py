@@ -72,6 +72,7 @@ class StartStopTest(DesktopTest):
         program.told(len(before) + 2)
         program.wait_for_rest()
         self.assertEqual(program.told(), [*before, "added: last.txt", "added: next.txt"])
+        self.assertIn("churn", "".join(before))
         self.assertNotIn("still", "".join(before))
 
 

@@ -205,6 +205,7 @@ class WindowTest(DesktopTest):
     def order_from_strip(self, tab):
         page = [each[:2] for each in TABS[tab] if each[0] not in ("label", "panel")]
         buttons = [each[:2] for each in BUTTONS[1:]]  # Start is grey while the program watches
+        # The log's list is the last of all in the order, other pages stand before the buttons.
         return [("page tab list", tab), *(buttons + page if tab == "Log" else page + buttons)]
 
     def check_tab_order(self, order):

@@ -279,6 +279,7 @@ class ModelRun {
   }
 
   void ChangeOption() {
+    CheckLog();  // what came within a stop was still written, or not, as it was
     now_.SaveLog = !now_.SaveLog;
     form_.CheckLog.Value(now_.SaveLog ? 0 : 1);
   }

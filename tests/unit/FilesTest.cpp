@@ -1,4 +1,5 @@
 #include <csignal>
+#include <initializer_list>
 #include <string>
 #include <sys/mount.h>
 #include <sys/resource.h>

@@ -2,11 +2,9 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
-#include <QTest>
 #include <QTimer>
 #include <gtest/gtest.h>
 

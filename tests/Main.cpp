@@ -1,5 +1,8 @@
-#include <QApplication>
+#include <QByteArray>
 #include <gtest/gtest.h>
+#ifndef WITHOUT_WINDOWS
+#include <QApplication>
+#endif
 
 #include "tests/unit/TemporaryFolder.h"
 

@@ -1,10 +1,12 @@
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <malloc.h>
 #include <string>
+#include <utility>
 
 #include <QApplication>
 #include <QMetaObject>
@@ -132,6 +134,10 @@ TEST(Endurance, HoldsNoMoreAfterAMonthsWork) {
   const int changes = asked != nullptr ? std::stoi(asked) : 2000;
   Month month;
   month.Go(changes);
+  for (const auto& [when, held] : {std::pair("before", month.Warm), {"after", month.After}}) {
+    std::printf("%-6s %ld descriptors, %ld threads, %ld windows, %ld kB\n", when, held.Things[0],
+                held.Things[1], held.Things[2], held.Kilobytes);
+  }
   EXPECT_EQ(month.Reports, changes);
   EXPECT_EQ(month.Rebuilds, changes / 10);
   EXPECT_EQ(month.Popups, changes);

@@ -55,9 +55,8 @@ int SHEmptyRecycleBinA(std::uint32_t window, const std::string& rootPath, std::u
 
 inline constexpr int SW_SHOWNORMAL = 1;
 
-/// Hands a web or mail address to the user's default program, whose working folder `folder` is
-/// where it is started for it, and returns without waiting for it. `verb` is "open". Above 32 on
-/// success.
+/// Hands a web or mail address to the user's default program and returns without waiting for it.
+/// `verb` is "open"; what is started works in `folder`. Above 32 on success.
 int ShellExecuteA(std::uint32_t window, const std::string& verb, const std::string& target,
                   const std::string& parameters, const std::string& folder, int show);
 

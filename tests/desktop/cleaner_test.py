@@ -84,6 +84,7 @@ class CleanerTest(DesktopTest):
                 registry.write_text(f"[{SHELL_FOLDERS}]\nCookies={folder}\nRecent={folder}\n")
                 self.clean(program)
                 self.assertTrue((home / "precious.txt").exists())
+                self.assertIn("Cookies are cleaned", program.log_lines()[-1])
                 program.end()
 
 

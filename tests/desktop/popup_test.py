@@ -4,8 +4,8 @@ import math
 import re
 import time
 
-from harness import (SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, end_process, front, main,
-                     run, wait_until)
+from harness import (SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, cookies, end_process, front,
+                     main, run, wait_until)
 
 CLIENT = (3435 // TWIPS_PER_PIXEL, 1365 // TWIPS_PER_PIXEL)
 # Its outer size counts 120 x 420 twips of frame, whatever is drawn.
@@ -26,12 +26,16 @@ def megabytes(program):
 
 
 class PopupTest(DesktopTest):
-    def test_place(self):
+    def test_place_and_texts(self):
         """Three changes, three popups at one place, also with the window hidden."""
-        program = self.started(switch=("/1",))
+        program = self.program(config=SAVE_LOG, switch=("/1",))
+        (program.cookies / "gone.txt").touch()
+        program.start()
+        start = time.monotonic()
         with program.paused():
-            for name in ("a.txt", "b.txt", "c.txt"):
-                (program.cookies / name).touch()
+            (program.cookies / "gone.txt").unlink()
+            for name in ("a.txt", "b.txt"):
+                (program.cookies / name).write_bytes(cookies("id"))
         self.wait_for_equal(lambda: len(listed()), 3)
         for window in listed():
             left, top, *size = program.geometry(window)
@@ -39,6 +43,18 @@ class PopupTest(DesktopTest):
             self.assertEqual((left - frame[0], top - frame[2], *size), CORNER + CLIENT)
             for state in ("_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR"):
                 self.assertIn(state, program.window_states(window))
+        controls = [*program.application().everything()]
+        texts = [each.name for each in controls if each.name.startswith("Cookie file ")]
+        views = [each for each in controls if each.name == "View"]
+        self.assertEqual({text: view.enabled for text, view in zip(texts, views, strict=True)}, {
+            "Cookie file added\r\na.txt": True, "Cookie file added\r\nb.txt": True,
+            "Cookie file removed\r\ngone.txt": False})
+        latest = program.told(3)[1]  # the removals come last, and are nothing to view
+        next(view for view in views if view.enabled).press()
+        wait_until(lambda: program.windows(f"Detail - {latest.split()[1]}"), "its details")
+        for left in (2, 0):
+            self.wait_for_equal(lambda: len(program.windows("Quillmere")), left)
+        self.assertGreater(time.monotonic() - start, 6)  # at its sixth tick each closes by itself
 
     def test_keys_stay_where_they_are(self):
         """While popups open and close, every key reaches the window that the user types in."""

@@ -37,6 +37,7 @@ class PortableTest(DesktopTest):
             run("diff", "-r", ROOT / "assets" / part, program.folder / part)
         for file in re.findall(r"\]\(([^)]+)\)", (program.folder / "README.md").read_text()):
             self.assertTrue((program.folder / file).is_file(), file)
+        self.check_help(program.folder / "help")
 
         # What a link opens is to work in the program's folder, and on a display of its own choice.
         address = "https://www.quillmere.example/"
@@ -44,6 +45,15 @@ class PortableTest(DesktopTest):
         told = self.desktop.home / "xdg-open.told"
         act_until(program.control("link", address).click, told.exists, "the browser")
         self.wait_for_equal(told.read_text, f"{program.folder}||{address}\n")
+
+    def check_help(self, folder):
+        """Every page is reached by links, and every picture is on one."""
+        reached = ["index.html"]
+        for page in reached:  # which grows meanwhile
+            links = re.findall(r'(?:href|src)="([^":]*)"', (folder / page).read_text("latin-1"))
+            reached += sorted({*links} - {*reached})
+        self.assertEqual({folder / each for each in reached},
+                         {*folder.glob("*.html"), *folder.glob("pictures/*.png")})
 
     def show_help(self):
         """Returns the one viewer there is, in front."""

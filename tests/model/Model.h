@@ -53,7 +53,7 @@ struct Program {
   bool Gone = false;       ///< The folder itself was removed or moved since the last wait.
   bool Signalled = false;  ///< The last wait was.
 
-  std::vector<std::string> Log;  ///< Lines without their time.
+  std::vector<std::string> Log;  ///< New lines, without their time.
   std::string MsgText;
   bool MsgCanView = false;
   File MsgFile;

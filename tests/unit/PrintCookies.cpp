@@ -1,5 +1,5 @@
 // PrintCookies FOLDER: prints what the program reads of a folder's cookie files, in the form of
-// tests/desktop/cookie_reader.py, for the two to be compared.
+// compare_cookie_readers.py, for the two to be compared.
 
 #include <cstdio>
 #include <string>

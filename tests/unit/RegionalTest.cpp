@@ -1,11 +1,8 @@
 #include <limits>
-#include <time.h>
 #include <tuple>
-#include <unistd.h>
 
 #include <gtest/gtest.h>
 
-#include "cookies/CookieFileReader.h"
 #include "platform/Regional.h"
 
 using namespace platform;
@@ -52,17 +49,6 @@ TEST(Regional, DatesAreReadYearFirstOrInTheRegionalOrder) {
                            "04-12-20 1", "13/40/2004"}) {
     EXPECT_FALSE(CDate(text, date)) << text;
   }
-}
-
-TEST(Regional, AnExpiryIsADateOfItsZoneOrNone) {
-  EXPECT_EQ(ExpireDateText("617110110"), "9999-12-31");
-  EXPECT_EQ(ExpireDateText("617110111"), "-");
-  setenv("TZ", "America/New_York", 1);
-  // The offset is looked up once a second.
-  const time_t now = time(nullptr);
-  while (time(nullptr) == now) usleep(10'000);
-  EXPECT_EQ(ExpireDateText("30000000"), "2009-04-22");
-  EXPECT_EQ(ExpireDateText("0"), "-");
 }
 
 TEST(RegionalDeathTest, TextsOfOtherRegionsAreReadToo) {

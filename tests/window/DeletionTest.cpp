@@ -78,14 +78,4 @@ TEST_F(Deletion, CleansWhatIsTickedWhenTheAnswerComes) {
   EXPECT_EQ(window_.ListLog.ListCount(), 0);
 }
 
-TEST_F(Deletion, CleansNoFolderThatIsMoreThanWhatItIsFor) {
-  const WorkingFolder working(all_ + "home");
-  for (const std::string& folder :
-       Names{"\\", "", "./", all_ + "home/", all_ + "home/cookies/../"}) {
-    PublicDim.CookieDir = PublicDim.RecentDir = folder;
-    EXPECT_EQ(GoneByCleaner(1, 1), Names()) << folder;
-  }
-  EXPECT_EQ(window_.ListLog.ListCount(), 5) << "the line comes all the same";
-}
-
 }  // namespace

@@ -5,7 +5,6 @@
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include "platform/linux/Widgets.h"
@@ -76,26 +75,14 @@ TEST(Forms, ATextOfLinesIsKeptAndCopiedInItsOwnLinesOnly) {
 
 TEST(Forms, AColourOfTheThemeFollowsTheTheme) {
   SampleForm form;
-  form.Lines.BackColor(platform::vbScrollBars);
+  platform::TextBox line(form, {.Name = "Line", .At = {}});
+  line.BackColor(platform::vbScrollBars);
   const QPalette before = QApplication::palette();
   QApplication::setPalette(QPalette(QColor(40, 50, 60)));
   platform::DoEvents();
-  EXPECT_EQ(form.Lines.BackColor(), 0x28323Cu);
-  EXPECT_EQ(Widget(form.Lines)->palette().text().color(), QApplication::palette().text().color());
+  EXPECT_EQ(line.BackColor(), 0x28323Cu);
+  EXPECT_EQ(Widget(line)->palette().text().color(), QApplication::palette().text().color());
   QApplication::setPalette(before);
-}
-
-TEST(Forms, AYieldProcessesWhatItsOwnHandlersSetOff) {
-  int left = 3;
-  QTimer timer;
-  timer.callOnTimeout([&] {
-    timer.stop();
-    const auto again = [&] { timer.start(0); };
-    if (--left > 0) QMetaObject::invokeMethod(&timer, again, Qt::QueuedConnection);
-  });
-  timer.start(0);
-  platform::DoEvents();
-  EXPECT_EQ(left, 0);
 }
 
 }  // namespace

@@ -3,9 +3,7 @@
 #include <vector>
 
 #include <QApplication>
-#include <QLabel>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QTest>
 #include <QWindow>
 #include <gtest/gtest.h>
@@ -34,11 +32,6 @@ std::vector<QWidget*> Shown() {
   return shown;
 }
 
-void Press(const QWidget& popup, const char* button) {
-  popup.findChild<QPushButton*>(button)->click();
-  QTest::qWait(0);
-}
-
 /// Closes the detail windows, and returns their titles and texts.
 std::string ClosedDetails() {
   std::string texts;
@@ -49,13 +42,6 @@ std::string ClosedDetails() {
   }
   QTest::qWait(0);
   return texts;
-}
-
-void OpenPopups(int count, const std::string& text = "text", bool canView = true) {
-  PublicDim.MsgEnabled = true;
-  PublicDim.MsgText = text;
-  PublicDim.MsgCanView = canView;
-  for (int i = 0; i < count; ++i) ShowChangePopup();
 }
 
 TEST(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
@@ -83,45 +69,18 @@ TEST(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
   EXPECT_EQ(detail(2), now);
 }
 
-TEST(SmallWindows, PopupsKeepTheirTextAndShowTheFileOfTheLatestReport) {
-  const CookieFolder folder;
-  folder.Write("new.txt", Record("latest", "v", "s/"));
-  PublicDim.MsgFileName = "old.txt";
-  OpenPopups(1, "Cookie file added\nold.txt");
-  OpenPopups(1, "Cookie file removed\ngone.txt", false);
-  PublicDim.MsgFileName = "new.txt";
-  QTest::qWait(0);
-  for (QWidget* popup : Shown()) {
-    const bool viewed = popup->findChild<QLabel*>()->text() == "Cookie file added\nold.txt";
-    EXPECT_EQ(popup->findChild<QPushButton*>("CmdView")->isEnabled(), viewed);
-    Press(*popup, viewed ? "CmdView" : "CmdClose");
-  }
-  EXPECT_EQ(Windows("FormMsg").size(), 0U);
-  EXPECT_NE(ClosedDetails().find("Cookie name: latest\n"), std::string::npos);
-}
-
 TEST(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
-  OpenPopups(200);
+  PublicDim.MsgEnabled = true;
+  for (int i = 0; i < 200; ++i) ShowChangePopup();
   QTest::qWait(0);
   EXPECT_LT(Shown().size(), 40U);
   // However many the user closes, the next one shows.
   for (std::size_t left = 200; left > 0; --left) {
     ASSERT_EQ(Windows("FormMsg").size(), left);
     ASSERT_FALSE(Shown().empty()) << left;
-    Press(*Shown()[0], "CmdClose");
+    Shown()[0]->close();
+    QTest::qWait(0);
   }
-}
-
-TEST(SmallWindows, PopupsCloseAtTheirOwnSixthTickSeenOrNot) {
-  OpenPopups(50);
-  QTest::qWait(2500);
-  OpenPopups(1);
-  QTest::qWait(3000);
-  EXPECT_EQ(Windows("FormMsg").size(), 51U) << "no popup closes at the fifth tick";
-  QTest::qWait(1500);
-  EXPECT_EQ(Windows("FormMsg").size(), 1U);
-  QTest::qWait(2000);
-  EXPECT_EQ(Windows("FormMsg").size(), 0U);
 }
 
 }  // namespace

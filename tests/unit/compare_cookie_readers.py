@@ -1,0 +1,131 @@
+"""compare_cookie_readers.py PRINT_COOKIES COUNT: two readers on the same cookie files.
+
+PRINT_COOKIES is the program's own reader, which prints a line for each row. The other one stands
+here, written apart from the program, so that each can find the other's faults. The files are made
+of the lines that the fuzzer begins with.
+"""
+
+import datetime
+import itertools
+import os
+import random
+import re
+import subprocess
+import sys
+import tempfile
+import time
+from pathlib import Path
+
+TICKS = 10_000_000
+TICKS_1601_TO_1970 = 11_644_473_600 * TICKS
+NUMBER = re.compile(r"[ \t]*([+-]?(?:[0-9]+\.?[0-9]*|\.[0-9]+)(?:[eE][+-]?[0-9]+)?)")
+INPUTS = {path.name: path.read_bytes()
+          for path in Path(__file__).parents[1].glob("fuzz/corpus/CookieFile/*")}
+# What stands in each of a record's nine lines.
+LINES = [[line for name in sorted(INPUTS) for line in INPUTS[name].split(b"\n")[place::9]]
+         for place in range(9)]
+
+
+def content(rng):
+    lines = [rng.choice(place) for _ in range(rng.choice([1, 1, 2, 2, 3, 4, 6])) for place in LINES]
+    at, kind = rng.randrange(len(lines)), rng.randrange(12)
+    if kind == 0:  # stray lines that shift what follows
+        lines[at:at] = rng.choices(LINES[0], k=rng.randrange(41))
+    elif kind == 1:
+        lines[at] = b"before\rbehind"
+    elif kind == 2:
+        lines[at:] = [line + b"\r" for line in lines[at:]]
+    elif kind == 3:
+        lines[at] = rng.randbytes(rng.randrange(60))
+    data = b"".join(line + b"\n" for line in lines)
+    if kind == 4:
+        data = data[:-1]
+    elif kind == 5:  # caught half-written
+        data = data[:rng.randrange(len(data) + 1)]
+    return data
+
+
+def name(rng, number):
+    stem = rng.choice([b"user@shop[%d]", b"User@Shop[%d]", "jürgen@%d".encode(), b"caf\xe9-%d",
+                       b"%d with blanks", b"%d*?", b"a\\b%d", b"tab\t%d", b"line\n%d"])
+    return stem.replace(b"%d", b"%d" % number) + rng.choice([b".txt", b".txt", b".TXT", b".Txt"])
+
+
+def make(folder, count):
+    rng = random.Random(1)
+    for number in range(count):
+        path = folder / os.fsdecode(name(rng, number))
+        path.write_bytes(content(rng))
+        when = rng.randrange(-10**9, 2 * 10**9) * 10**9 + rng.randrange(10**9)
+        os.utime(path, ns=(when, when))
+    good = INPUTS["two_records"]
+    (folder / "long.txt").write_bytes(b"name\n" + b"v" * 20_000_000 + b"\n" + b"7/\n" * 7 + good)
+    for other in (".hidden.txt", "cookie.txt.bak", "txt", "target"):
+        (folder / other).write_bytes(good)
+    (folder / "folder.txt").mkdir()
+    os.mkfifo(folder / "pipe.txt")
+    (folder / "link.txt").symlink_to("target")
+    (folder / "dangling.txt").symlink_to("nowhere")
+
+
+def local_time(ticks):
+    """Ticks since 1601, UTC, as local time by the offset of this moment; None if impossible."""
+    seconds = ticks // TICKS + time.localtime().tm_gmtoff
+    try:
+        moment = datetime.datetime(1601, 1, 1) + datetime.timedelta(seconds=seconds)
+    except OverflowError:
+        return None
+    return moment if seconds >= 0 else None
+
+
+def expire_date(line):
+    number = NUMBER.match(line)
+    value = float(number.group(1)) if number else 0.0
+    if not abs(value) <= 2**31 or not 0 <= round(value) < 2**31:  # ties to even
+        return "-"
+    when = local_time(round(value) << 32)
+    return f"{when.year:04}-{when.month:02}-{when.day:02}" if when else "-"
+
+
+def decode(data):
+    try:
+        return data.decode()
+    except UnicodeDecodeError:
+        # Five bytes stand for nothing in Windows-1252 and come through as they are.
+        return "".join(bytes([byte]).decode("cp1252", "ignore") or chr(byte) for byte in data)
+
+
+def rows(folder):
+    """A line of bytes for each row of the list."""
+    for entry in os.scandir(os.fsencode(folder)):
+        if (not entry.name.lower().endswith(b".txt") or entry.name.startswith(b".")
+                or not entry.is_file()):
+            continue
+        status = entry.stat()
+        with open(entry.path, "rb") as file:
+            lines = decode(file.read().split(b"\r", 1)[0]).removesuffix("\n").split("\n")
+        size = f"{status.st_size:,}" if status.st_size else ""
+        modified = local_time(status.st_mtime_ns // 100 + TICKS_1601_TO_1970)
+        for at in range(0, len(lines) - 8, 9):
+            cookie, value, server, _, _, high = lines[at:at + 6]
+            cells = [server.removesuffix("/"), expire_date(high), cookie, value,
+                     os.fsdecode(entry.name), size, str(modified)]
+            yield b"\t".join(re.sub(rb"[\x00-\x1f\x7f\\]", lambda found: b"\\x%02X" % found[0][0],
+                                    cell.encode("utf-8", "surrogateescape")) for cell in cells)
+
+
+def agree(zone, program, folder):
+    os.environ.update(TZ=zone, LC_ALL="en_US.UTF-8")
+    time.tzset()
+    pairs = [*itertools.zip_longest(subprocess.check_output([program, folder]).splitlines(),
+                                    rows(folder))]
+    different = [pair for pair in pairs if pair[0] != pair[1]]
+    print(f"{zone}: {len(pairs)} rows, {len(different)} different {different[:5]!r:.3000}")
+    return not different
+
+
+if __name__ == "__main__":
+    with tempfile.TemporaryDirectory() as made:
+        make(Path(made), int(sys.argv[2]))
+        zones = "America/New_York", "Asia/Shanghai"
+        sys.exit(not all([agree(zone, sys.argv[1], made) for zone in zones]))

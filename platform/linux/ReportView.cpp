@@ -527,19 +527,6 @@ void ReportView::RaiseMouseUp(Qt::MouseButton button) {
   if (owner_.MouseUp) owner_.MouseUp(static_cast<int>(button));
 }
 
-// A list that a procedure hides and shows again keeps the keyboard focus.
-void ReportView::hideEvent(QHideEvent* event) {
-  hadFocus_ = hasFocus();
-  QMetaObject::invokeMethod(
-      this, [this] { hadFocus_ = false; }, Qt::QueuedConnection);
-  QTreeView::hideEvent(event);
-}
-
-void ReportView::showEvent(QShowEvent* event) {
-  QTreeView::showEvent(event);
-  if (std::exchange(hadFocus_, false)) setFocus();
-}
-
 void ReportView::CopySelected() const {
   ReadSelection();
   QString text;

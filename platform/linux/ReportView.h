@@ -57,8 +57,6 @@ class ReportView : public QTreeView {
   void mouseReleaseEvent(QMouseEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   void contextMenuEvent(QContextMenuEvent* event) override;
-  void hideEvent(QHideEvent* event) override;
-  void showEvent(QShowEvent* event) override;
   void dataChanged(const QModelIndex& first, const QModelIndex& last,
                    const QList<int>& roles) override;
   /// As the toolkit has it, but a range drawn up with Shift alone drops what was selected before.
@@ -102,7 +100,6 @@ class ReportView : public QTreeView {
 
   QString typed_;
   QElapsedTimer typedAt_;
-  bool hadFocus_ = false;
 };
 
 }  // namespace platform

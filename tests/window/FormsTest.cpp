@@ -38,17 +38,6 @@ TEST(Forms, OnlyAMoveOverItsOwnSurfaceIsTheWindows) {
   EXPECT_EQ(form.Moves, 1);
 }
 
-TEST(Forms, KeepTheKeyboardWhereItIsUntilTheyClose) {
-  SampleForm form;
-  form.Show();
-  form.Button.SetFocus();
-  form.Button.Visible(false);
-  form.Button.Visible(true);
-  EXPECT_EQ(Widget(form)->focusWidget(), Widget(form.Button));
-  form.Unload();
-  EXPECT_EQ(Widget(form)->focusWidget(), nullptr) << "the next opening begins afresh";
-}
-
 TEST(Forms, AWordTooLongForItsLabelGoesOnInTheNextLine) {
   SampleForm form;
   form.Wrapped.WordWrap();

@@ -174,12 +174,18 @@ TEST_F(Lists, ATooltipShowsATextAsItIsAndNotAsMarkup) {
   EXPECT_GT(Copied(view_).size(), 1'000'000U) << "is copied whole";
 }
 
-TEST_F(Lists, ARestoredOrderLeavesTagsAndAPageOutOfSight) {
+TEST_F(Lists, ASortLeavesTagsTheKeyboardAndAPageOutOfSight) {
   const std::string tag("tag\0of", 6);
   list_.Add("a").Tag(tag);
+  list_.SetFocus();
   SortListView(list_, FileSizeCell + 1, SortNumber, true);
+  EXPECT_TRUE(view_->hasFocus());
   list_.Visible(false);
   RestoreSortOrder(list_);
   EXPECT_FALSE(list_.Visible());
   EXPECT_EQ(list_.Item(1).Tag(), tag);
+  list_.Visible(true);
+  list_.SetFocus();
+  window_.Unload();
+  EXPECT_EQ(Widget(window_)->focusWidget(), nullptr) << "the next opening begins afresh";
 }

@@ -82,8 +82,10 @@ class CleanerTest(DesktopTest):
                 registry = program.folder.parent / "config/quillmere/registry.ini"
                 fill(registry)
                 registry.write_text(f"[{SHELL_FOLDERS}]\nCookies={folder}\nRecent={folder}\n")
+                trashed = program.folder.parent / "data/Trash/files/trashed"  # that is not ticked
+                fill(trashed)
                 self.clean(program)
-                self.assertTrue((home / "precious.txt").exists())
+                self.assertTrue((home / "precious.txt").exists() and trashed.exists())
                 self.assertIn("Cookies are cleaned", program.log_lines()[-1])
                 program.end()
 

@@ -76,6 +76,9 @@ TEST_F(Deletion, CleansWhatIsTickedWhenTheAnswerComes) {
   EXPECT_EQ(GoneByCleaner(1, 1), Names{"home/recent/b.dat"});
   EXPECT_FALSE(PublicDim.BaselineReset || PublicDim.CookieListStale);
   EXPECT_EQ(window_.ListLog.ListCount(), 0);
+  folder_.Write("home/recent/b.dat");
+  EXPECT_EQ(GoneByCleaner(1, 0), Names{"home/cookies/a.txt"});
+  EXPECT_EQ(GoneByCleaner(0, 1), Names({"home/cookies/a.txt", "home/recent/b.dat"}));
 }
 
 }  // namespace

@@ -56,8 +56,10 @@ class CookiesTest(DesktopTest):
                 for way, name in zip(ways, ("uid", "lang")):
                     way("Cookies", name, VIEW)
                     wait_until(lambda: program.windows("Detail - sample.txt"), "the details")
-                    *above, details = [program.control("text", box).text for box in (
+                    boxes = [program.control("text", box) for box in (
                         "Cookie file", "Modified", "Size", "Details")]
+                    self.assertTrue(all(box.has("read-only") for box in boxes))
+                    *above, details = [box.text for box in boxes]
                     self.assertEqual(above, [str(path), MODIFIED, "136 bytes"])
                     self.assertEqual(details.splitlines(), [
                         "Cookie name: uid", "Value: a%3Db", "Server: shop.example",

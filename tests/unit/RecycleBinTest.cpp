@@ -49,6 +49,7 @@ TEST_F(RecycleBin, RemovesEverythingAndFollowsNoLink) {
     top_.Write(std::string("home/trash/") + name);
   }
   chmod(Path("home/trash/files/read-only").c_str(), 0400);
+  chmod(Path("home/trash/files/folder/below").c_str(), 0);
   mkfifo(Path("home/trash/files/pipe").c_str(), 0600);
   for (const char* name : {"files/link", "files/deep/link"}) {
     Link(std::string("home/trash/") + name, Path("outside"));

@@ -18,17 +18,6 @@ inline void Require(bool holds, const char* property) {
   std::abort();
 }
 
-/// A folder that stands for the user's, in one region and zone.
-class Sandbox : public TemporaryFolder {
- public:
-  Sandbox() {
-    setenv("LC_ALL", "en_US.UTF-8", 1);
-    setenv("TZ", "UTC", 1);
-    setenv("HOME", Path("home").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", Path("config").c_str(), 1);
-  }
-};
-
 inline std::string_view AsText(const std::uint8_t* data, std::size_t size) {
   return {reinterpret_cast<const char*>(data), size};
 }

@@ -67,7 +67,6 @@ extern "C" const char* __asan_default_options() {
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Sandbox sandbox;
   static int argc = 0;
-  qputenv("QT_QPA_PLATFORM", "offscreen");
   [[maybe_unused]] static auto& application = *new QApplication(argc, nullptr);
   static auto& form = *new platform::Form(
       {.Name = "Lists", .Caption = "", .ClientWidth = 9000, .ClientHeight = 6000});

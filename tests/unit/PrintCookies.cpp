@@ -1,5 +1,5 @@
-// PrintCookies FOLDER: prints what the program reads of a folder's cookie files, in the form of
-// compare_cookie_readers.py, for the two to be compared.
+// PrintCookies FOLDER: prints what the program reads of a folder's cookie files, each cell behind
+// its length, for compare_cookie_readers.py.
 
 #include <cstdio>
 #include <string>
@@ -8,14 +8,6 @@
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
 #include "platform/Files.h"
-
-static void Print(const std::string& cell, char end) {
-  for (const unsigned char byte : cell) {
-    const bool plain = byte >= 0x20 && byte != 0x7F && byte != '\\';
-    plain ? std::putchar(byte) : std::printf("\\x%02X", byte);
-  }
-  std::putchar(end);
-}
 
 int main(int, char** argv) {
   PublicDim.CookieDir = std::string(argv[1]) + "/";
@@ -28,9 +20,9 @@ int main(int, char** argv) {
   for (std::size_t i = 1; i < PublicDim.CookieRows.size(); ++i) {
     const CookieRow& row = PublicDim.CookieRows[i];
     for (const std::string* cell : {&row.Server, &row.ExpireDate, &row.CookieName, &row.CookieValue,
-                                    &row.CookieFile, &row.FileSize}) {
-      Print(*cell, '\t');
+                                    &row.CookieFile, &row.FileSize, &row.Modified}) {
+      std::printf("%zu:", cell->size());
+      std::fwrite(cell->data(), 1, cell->size(), stdout);
     }
-    Print(row.Modified, '\n');
   }
 }

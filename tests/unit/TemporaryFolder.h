@@ -54,6 +54,20 @@ class TemporaryFolder {
   std::string folder_;
 };
 
+/// A folder that stands for the user's, in one region and zone: what stands in the folders of
+/// whoever runs the tests must neither change a result nor be changed.
+class Sandbox : public TemporaryFolder {
+ public:
+  Sandbox() {
+    setenv("HOME", Path("home").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", Path("config").c_str(), 1);
+    setenv("XDG_DATA_HOME", Path("data").c_str(), 1);
+    setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    setenv("LC_ALL", "en_US.UTF-8", 1);
+    setenv("TZ", "UTC", 1);
+  }
+};
+
 /// Makes a folder the working folder for a while.
 class WorkingFolder {
  public:

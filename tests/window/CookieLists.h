@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include <QApplication>
 #include <QMessageBox>
 #include <QTimer>
@@ -24,18 +21,6 @@ class CookieLists : public platform::Form {
   platform::TextBox TextSearch{*this, {.Name = "TextSearch", .At = {0, 5100, 1575, 285}}};
   platform::ListBox ListLog{*this, {.Name = "ListLog", .At = {0, 5500, 9000, 1500}}};
 };
-
-using Cells = std::vector<std::string>;
-
-/// The cells of one column, counted from 1.
-inline Cells ColumnOf(platform::ListView& list, int index) {
-  Cells cells;
-  for (int position = 1; position <= list.Count(); ++position) {
-    const platform::ListView::ListItem row = list.Item(position);
-    cells.push_back(index == 1 ? row.Text() : row.SubItems(index - 1));
-  }
-  return cells;
-}
 
 /// While it lives, every message box is answered with Yes.
 class Answers {

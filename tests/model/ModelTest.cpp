@@ -526,7 +526,7 @@ TEST(Model, TheProgramDoesWhatAPlainModelOfItSays) {
   qputenv("TMPDIR", usual.c_str());
 }
 
-// ENDURANCE_STEPS=430000 is the work of a month.
+// ENDURANCE_STEPS=450000 is the work of a month.
 TEST(Endurance, HoldsNoMoreAfterAMonthsWork) {
   ModelRun month(1, true);
   month.Go(FromEnvironment("ENDURANCE_STEPS", 5000));

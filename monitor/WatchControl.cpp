@@ -61,7 +61,7 @@ void StopClicked(const WatchControls& controls) {
 }
 
 void StartTick(const WatchControls& controls) {
-  if (PublicDim.ScanRunning) return;
+  if (PublicDim.ScanRunning || platform::InsideMsgBox()) return;
   controls.TimerStart.Enabled(false);
   if (PublicDim.StartRequested) StartClicked(controls);
 }

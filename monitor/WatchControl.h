@@ -24,7 +24,8 @@ void StartClicked(const WatchControls& controls);
 /// honoured at the scan's end, unless a start takes it back.
 void StopClicked(const WatchControls& controls);
 
-/// Tick of `TimerStart`: a noted start, as soon as no scan is under way.
+/// Tick of `TimerStart`: a noted start, as soon as no scan is under way and no message box is open.
+/// Inside one, whoever asked would get the answer only when the watch has ended.
 void StartTick(const WatchControls& controls);
 
 /// Tick of `TimerCompare`: one comparison when a change is pending and no scan is under way.

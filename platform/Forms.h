@@ -315,6 +315,8 @@ inline constexpr int IDNO = 7;
 /// while it is open; the main window and those that it owns wait for the answer. The first button
 /// is the default; closing the box by its frame or Esc is "No".
 int MsgBox(const std::string& text, int flags);
+/// Whether the caller runs inside one, or inside several.
+bool InsideMsgBox();
 
 /// Brings the window's thread to the foreground.
 int SetForegroundWindow(std::uint32_t window);

@@ -290,7 +290,11 @@ namespace {
 
 bool IsPopup(const QWidget& window) { return window.testAttribute(Qt::WA_ShowWithoutActivating); }
 
+int openBoxes = 0;
+
 }  // namespace
+
+bool InsideMsgBox() { return openBoxes > 0; }
 
 int MsgBox(const std::string& text, int flags) {
   QWidget* parent = FormWidget::Main();
@@ -307,7 +311,10 @@ int MsgBox(const std::string& text, int flags) {
   }
   // The main window and those that it owns are blocked. Popups can be used, and what they open.
   if (parent) box.setWindowModality(Qt::WindowModal);
-  switch (box.exec()) {
+  ++openBoxes;
+  const int answer = box.exec();
+  --openBoxes;
+  switch (answer) {
     case QMessageBox::Yes:
       return IDYES;
     case QMessageBox::No:

@@ -298,6 +298,15 @@ class LinesEdit : public QPlainTextEdit {
   QString Lines() const { return Between(0, document()->characterCount() - 1); }
 
  protected:
+  /// A press on the selection begins a new one. A drag of the old one would run events in a loop of
+  /// its own, in which the window could close and be freed.
+  void mousePressEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::LeftButton && event->modifiers() != Qt::ShiftModifier) {
+      setTextCursor(cursorForPosition(event->position().toPoint()));
+    }
+    QPlainTextEdit::mousePressEvent(event);
+  }
+
   QMimeData* createMimeDataFromSelection() const override {
     auto* lines = new QMimeData;
     lines->setText(Between(textCursor().selectionStart(), textCursor().selectionEnd()));

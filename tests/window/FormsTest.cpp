@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
+#include <QTest>
 #include <gtest/gtest.h>
 
 #include "platform/linux/Widgets.h"
@@ -60,6 +61,8 @@ TEST(Forms, ATextOfLinesIsKeptAndCopiedInItsOwnLinesOnly) {
   edit->selectAll();
   edit->copy();
   EXPECT_EQ(QApplication::clipboard()->text().toStdString(), kept);
+  QTest::mousePress(edit->viewport(), Qt::LeftButton, {}, {9, 9});
+  EXPECT_FALSE(edit->textCursor().hasSelection()) << "a drag of it runs a loop of its own";
 }
 
 TEST(Forms, AColourOfTheThemeFollowsTheTheme) {

@@ -30,12 +30,12 @@ void StartClicked(const WatchControls& controls) {
     PublicDim.StopRequested = false;
     return ShowWatching(controls, true);
   }
-  if (PublicDim.WatchOnStack || PublicDim.ScanRunning) {
+  if (PublicDim.WatchOnStack || PublicDim.ScanRunning || platform::InsideMsgBox()) {
     PublicDim.StartRequested = true;
     ShowWatching(controls, true);
     // The loop of the last watch starts the next one when control comes back to it. Without one,
     // the scan belongs to a timer's tick, and a watch that ran inside that tick would keep the
-    // timer from ever ticking again.
+    // timer from ever ticking again. One inside a message box would keep back its answer.
     if (!PublicDim.WatchOnStack) controls.TimerStart.Enabled(true);
     return;
   }
@@ -61,7 +61,6 @@ void StopClicked(const WatchControls& controls) {
 }
 
 void StartTick(const WatchControls& controls) {
-  if (PublicDim.ScanRunning || platform::InsideMsgBox()) return;
   controls.TimerStart.Enabled(false);
   if (PublicDim.StartRequested) StartClicked(controls);
 }

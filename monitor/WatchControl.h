@@ -17,15 +17,14 @@ struct WatchControls {
 };
 
 /// Takes the baseline and watches; does not return while the watch runs, unless the start had to be
-/// noted: inside a scan, or while the loop of the last watch is still on the stack.
+/// noted: inside a scan or a message box, or while the last watch's loop is still on the stack.
 void StartClicked(const WatchControls& controls);
 
 /// Ends the watch, or a start not carried out yet. Inside the first scan the stop is noted and
 /// honoured at the scan's end, unless a start takes it back.
 void StopClicked(const WatchControls& controls);
 
-/// Tick of `TimerStart`: a noted start, as soon as no scan is under way and no message box is open.
-/// Inside one, whoever asked would get the answer only when the watch has ended.
+/// Tick of `TimerStart`: a noted start, or one more tick later.
 void StartTick(const WatchControls& controls);
 
 /// Tick of `TimerCompare`: one comparison when a change is pending and no scan is under way.

@@ -64,11 +64,10 @@ TEST_F(Watch, AStartInsideAComparisonsScanWaitsForItsEndAndTheTimerTicksOn) {
       QTest::qWaitFor([&] { return form.ListLog.ListCount() == 1 && form.CmdStart.Enabled(); }));
 }
 
-TEST_F(Watch, AStartThatComesDueInsideAQuestionWaitsForTheAnswer) {
+TEST_F(Watch, AStartInsideAQuestionWaitsForTheAnswer) {
   FormMain form;
   LoadAndStop(form);
-  PublicDim.StartRequested = true;  // in a scan that has just ended
-  form.TimerStart.Enabled(true);
+  QTimer::singleShot(0, [&] { form.CmdStart.Click(); });
   QTimer::singleShot(100, [] { QApplication::activeModalWidget()->close(); });
   form.Check1.Value(1);
   form.CmdClean.Click();

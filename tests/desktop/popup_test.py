@@ -36,8 +36,9 @@ class PopupTest(DesktopTest):
             (program.cookies / "gone.txt").unlink()
             for name in ("a.txt", "b.txt"):
                 (program.cookies / name).write_bytes(cookies("id"))
-        self.wait_for_equal(lambda: len(listed()), 3)
-        for window in listed():
+        popups = lambda: {f"{int(each):#x}" for each in program.windows("Quillmere")} & listed()
+        self.wait_for_equal(lambda: len(popups()), 3)
+        for window in popups():
             left, top, *size = program.geometry(window)
             frame = program.frame(window)
             self.assertEqual((left - frame[0], top - frame[2], *size), CORNER + CLIENT)

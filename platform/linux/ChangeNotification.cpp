@@ -21,7 +21,7 @@
 #include <vector>
 
 #include "platform/linux/Descriptor.h"
-#include "platform/linux/HandleTable.h"
+#include "platform/common/HandleTable.h"
 #include "platform/linux/Paths.h"
 
 namespace platform {

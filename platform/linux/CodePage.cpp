@@ -2,7 +2,7 @@
 #include <utility>
 
 #include "platform/Regional.h"
-#include "platform/linux/Utf8.h"
+#include "platform/common/Utf8.h"
 
 namespace platform {
 namespace {

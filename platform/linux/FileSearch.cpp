@@ -6,7 +6,7 @@
 #include <memory>
 #include <string_view>
 
-#include "platform/linux/HandleTable.h"
+#include "platform/common/HandleTable.h"
 #include "platform/linux/Paths.h"
 
 namespace platform {

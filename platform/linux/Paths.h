@@ -10,6 +10,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/common/NamePattern.h"
 #include "platform/linux/Descriptor.h"
 
 namespace platform {
@@ -25,46 +26,6 @@ inline std::string FolderOf(const std::string& path) { return path.substr(0, pat
 
 /// What follows the last separator.
 inline std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
-
-/// A name, or "*.*" for every name, or "*." with an ending that fits in any case of its letters.
-/// Anything else with a "*" in it is the name of a file that is called that.
-class NamePattern {
- public:
-  explicit NamePattern(std::string_view text) : text_(text) {
-    if (text == "*.*") {
-      kind_ = Kind::Any;
-    } else if (text.size() > 2 && text.starts_with("*.") &&
-               text.find_first_of("*?[", 1) == std::string_view::npos) {
-      kind_ = Kind::Ending;
-      text_.erase(0, 1);
-      for (char& letter : text_) letter = Lower(letter);
-    }
-  }
-
-  bool IsWildcard() const { return kind_ != Kind::Name; }
-  bool Fits(std::string_view name) const {
-    if (kind_ == Kind::Name) return name == text_;
-    return kind_ == Kind::Any || EndsWithText(name);
-  }
-
- private:
-  enum class Kind { Name, Any, Ending };
-
-  static char Lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + ('a' - 'A')) : letter;
-  }
-  bool EndsWithText(std::string_view name) const {
-    if (name.size() < text_.size()) return false;
-    name.remove_prefix(name.size() - text_.size());
-    for (std::size_t i = 0; i < name.size(); ++i) {
-      if (Lower(name[i]) != text_[i]) return false;
-    }
-    return true;
-  }
-
-  std::string text_;
-  Kind kind_ = Kind::Name;
-};
 
 /// The entries of a folder in the order of the directory, as they stand when the first is asked
 /// for.

@@ -15,7 +15,7 @@
 #include <QString>
 #include <QStringList>
 
-#include "platform/linux/Utf8.h"
+#include "platform/common/Utf8.h"
 
 namespace platform {
 namespace {

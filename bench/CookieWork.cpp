@@ -11,7 +11,7 @@
 
 namespace {
 
-class NoReports : public ChangeReports {
+class NoReports : public DifferenceReports {
  public:
   void ReportModified(std::size_t, std::size_t) override {}
   void ReportAdded(std::size_t) override {}

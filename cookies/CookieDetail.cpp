@@ -7,7 +7,7 @@
 #include "cookies/CookieFileReader.h"
 #include "cookies/FormView.h"
 
-void ShowCookieDetail(platform::ListView& List, const platform::Form& Owner) {
+void OpenCookieDetail(platform::ListView& List, const platform::Form& Owner) {
   if (List.Count() == 0) return;
   std::string fileName;
   std::string fileSize;

@@ -9,7 +9,7 @@
 
 /// Opens one more detail window, for the file of the list's selected row, read afresh. A file that
 /// gives no record leaves `DetailRows`, and so the window, at the file last read.
-void ShowCookieDetail(platform::ListView& List, const platform::Form& Owner);
+void OpenCookieDetail(platform::ListView& List, const platform::Form& Owner);
 
 /// Cookies one below the other, each in four lines and an empty one, ended by CR LF.
 std::string DetailText(const std::vector<CookieRow>& Rows);

@@ -8,8 +8,9 @@
 #include "platform/Handle.h"
 #include "platform/Shell.h"
 
-/// All state that more than one folder of the program touches, for the life of the process. One
-/// thread, so no locks: what may run inside which yield rules the order (ARCHITECTURE.md).
+/// The program's shared state, for the life of the process: what more than one folder touches, and
+/// the watch and its snapshots whole. One thread, so no locks: what may run inside which yield
+/// rules the order (ARCHITECTURE.md).
 struct PublicVariables {
   // Folders; each ends in the separator, so that a file name follows directly.
   std::string AppPath;    ///< Of the executable.
@@ -19,7 +20,7 @@ struct PublicVariables {
   std::string RecentDir;  ///< The recent documents.
 
   // What a change report leaves for the popup that it opens.
-  bool MsgEnabled = false;  ///< Popups are shown; true from start-up on.
+  bool MsgEnabled = false;  ///< Popups are shown; true from `Form_Load` on.
   std::string MsgText;
   bool MsgCanView = false;
   std::string MsgFileName;  ///< Of the last modified or added file, as the next two.
@@ -53,13 +54,9 @@ struct PublicVariables {
   bool WatchStopping = false;    ///< The wait loops must end; also: no watch is running.
   platform::HANDLE WatchHandle = 0;
 
-  // What keeps two scans apart.
-  bool ScanRunning = false;       ///< A scan is on the stack.
+  // What a scan means to others while it runs; more of the kind is monitor/WatchFlags.h's.
   bool BaselineReset = false;     ///< The cleaner replaced the snapshots: a scan under way is void.
-  bool WatchOnStack = false;      ///< `CmdStart_Click` is on the stack, first scan or wait loop.
   bool FirstScanRunning = false;  ///< The scan under way is the one that a watch starts with.
-  bool StartRequested = false;    ///< A start waits for the plain loop or for the old loop to end.
-  bool StopRequested = false;     ///< A stop waits for the end of the first scan.
 };
 
 inline PublicVariables PublicDim;

@@ -36,14 +36,16 @@ std::string GetSpecialFolderPath(int csidl, std::uint32_t window) {
   return WithSeparator(std::string(buffer.begin(), end));
 }
 
-void ResolveFolders(std::uint32_t window) {
+void ResolveProgramFolders() {
   const std::string separator(platform::PathSeparator);
   PublicDim.AppPath = WithSeparator(platform::AppPath());
   PublicDim.LogDir = PublicDim.AppPath + "log" + separator;
   PublicDim.SoundDir = PublicDim.AppPath + "sound" + separator;
   MakeFolderIfMissing(PublicDim.LogDir);
   MakeFolderIfMissing(PublicDim.SoundDir);
-  PublicDim.MsgEnabled = true;
+}
+
+void ResolveShellFolders(std::uint32_t window) {
   PublicDim.CookieDir = GetSpecialFolderPath(platform::CSIDL_COOKIES, window);
   PublicDim.RecentDir = GetSpecialFolderPath(platform::CSIDL_RECENT, window);
 }

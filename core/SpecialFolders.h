@@ -7,6 +7,9 @@
 /// path too long for the shell's buffer "C:\": neither names anything on this machine.
 std::string GetSpecialFolderPath(int csidl, std::uint32_t window);
 
-/// Fills the folder variables of `PublicDim` and makes the folders that belong beside the
+/// Fills the variables of the program's own folders and makes the folders that belong beside the
 /// executable where they are missing.
-void ResolveFolders(std::uint32_t window);
+void ResolveProgramFolders();
+
+/// Fills the variables of the user's folders.
+void ResolveShellFolders(std::uint32_t window);

@@ -83,7 +83,8 @@ class FirstRowByName {
 
 // A name is empty in the placeholder row alone.
 
-void ReportPresent(const FoldedNames& known, const FoldedNames& current, ChangeReports& reports) {
+void ReportPresent(const FoldedNames& known, const FoldedNames& current,
+                   DifferenceReports& reports) {
   const FirstRowByName knownRows(known);
   for (std::size_t newRow = 0; newRow < current.Count(); ++newRow) {
     if (current[newRow].empty()) continue;
@@ -95,7 +96,7 @@ void ReportPresent(const FoldedNames& known, const FoldedNames& current, ChangeR
   }
 }
 
-void ReportGone(const FoldedNames& known, const FoldedNames& current, ChangeReports& reports) {
+void ReportGone(const FoldedNames& known, const FoldedNames& current, DifferenceReports& reports) {
   const FirstRowByName currentRows(current);
   for (std::size_t oldRow = 0; oldRow < known.Count(); ++oldRow) {
     if (known[oldRow].empty()) continue;
@@ -105,14 +106,14 @@ void ReportGone(const FoldedNames& known, const FoldedNames& current, ChangeRepo
 
 }  // namespace
 
-void ReportDifferences(const Snapshot& known, const Snapshot& current, ChangeReports& reports) {
+void ReportDifferences(const Snapshot& known, const Snapshot& current, DifferenceReports& reports) {
   const FoldedNames knownNames(known);
   const FoldedNames currentNames(current);
   ReportPresent(knownNames, currentNames, reports);
   ReportGone(knownNames, currentNames, reports);
 }
 
-void CompareSnapshots(ChangeReports& reports) {
+void CompareSnapshots(DifferenceReports& reports) {
   PublicDim.CurrentRows = TakeSnapshot();
   ReportDifferences(PublicDim.KnownRows, PublicDim.CurrentRows, reports);
   PublicDim.KnownRows = PublicDim.CurrentRows;

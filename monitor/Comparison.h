@@ -6,12 +6,12 @@
 
 /// What a comparison tells of the differences that it finds. Rows are numbers in `KnownRows` (old)
 /// and `CurrentRows` (new), both of which stand still from the first report to the last.
-class ChangeReports {
+class DifferenceReports {
  public:
-  ChangeReports() = default;
-  ChangeReports(const ChangeReports&) = delete;
-  ChangeReports& operator=(const ChangeReports&) = delete;
-  virtual ~ChangeReports() = default;
+  DifferenceReports() = default;
+  DifferenceReports(const DifferenceReports&) = delete;
+  DifferenceReports& operator=(const DifferenceReports&) = delete;
+  virtual ~DifferenceReports() = default;
 
   /// Two rows carry the same name; whether they differ is for this procedure to find out.
   virtual void ReportModified(std::size_t oldRow, std::size_t newRow) = 0;
@@ -22,8 +22,8 @@ class ChangeReports {
 /// Reports how `current` differs from `known`: first the modified and added files in the order of
 /// `current`, then the removed ones in the order of `known`. Names match whatever the case of their
 /// letters; of several rows that match, the first counts.
-void ReportDifferences(const Snapshot& known, const Snapshot& current, ChangeReports& reports);
+void ReportDifferences(const Snapshot& known, const Snapshot& current, DifferenceReports& reports);
 
 /// Takes a fresh snapshot, reports how it differs from the baseline, and makes it the baseline.
 /// Yields only during the scan.
-void CompareSnapshots(ChangeReports& reports);
+void CompareSnapshots(DifferenceReports& reports);

@@ -4,6 +4,7 @@
 
 #include "core/AtScopeEnd.h"
 #include "core/PublicDim.h"
+#include "monitor/WatchFlags.h"
 #include "platform/Application.h"
 #include "platform/Forms.h"
 #include "platform/Regional.h"
@@ -24,8 +25,8 @@ void ScanCookieFolder(std::string folder) {
   if (folder.empty()) return;
   if (!folder.ends_with(platform::PathSeparator)) folder += platform::PathSeparator;
   PublicDim.ScanRowCount = 0;
-  PublicDim.ScanRunning = true;
-  const AtScopeEnd ended([] { PublicDim.ScanRunning = false; });
+  WatchFlags.ScanRunning = true;
+  const AtScopeEnd ended([] { WatchFlags.ScanRunning = false; });
   platform::WIN32_FIND_DATA& found = PublicDim.FindData;
   const platform::HANDLE search = platform::FindFirstFileA(folder + "*.txt", found);
   if (search == platform::INVALID_HANDLE_VALUE) return;

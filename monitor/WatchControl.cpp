@@ -2,6 +2,7 @@
 
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
+#include "monitor/WatchFlags.h"
 #include "monitor/WatchFunc.h"
 
 namespace {
@@ -13,13 +14,13 @@ void ShowWatching(const WatchControls& controls, bool watching) {
 
 /// One watch from its first scan to its end.
 void RunOneWatch(const WatchControls& controls) {
-  PublicDim.StartRequested = false;
-  PublicDim.StopRequested = false;
+  WatchFlags.StartRequested = false;
+  WatchFlags.StopRequested = false;
   ShowWatching(controls, true);
   PublicDim.FirstScanRunning = true;
   TakeFirstSnapshot();
   PublicDim.FirstScanRunning = false;
-  if (!PublicDim.StopRequested) return StartWatch(PublicDim.CookieDir);
+  if (!WatchFlags.StopRequested) return StartWatch(PublicDim.CookieDir);
   PublicDim.WatchStopping = true;
 }
 
@@ -27,46 +28,46 @@ void RunOneWatch(const WatchControls& controls) {
 
 void StartClicked(const WatchControls& controls) {
   if (PublicDim.FirstScanRunning) {
-    PublicDim.StopRequested = false;
+    WatchFlags.StopRequested = false;
     return ShowWatching(controls, true);
   }
-  if (PublicDim.WatchOnStack || PublicDim.ScanRunning || platform::InsideMsgBox()) {
-    PublicDim.StartRequested = true;
+  if (WatchFlags.WatchOnStack || WatchFlags.ScanRunning || platform::InsideMsgBox()) {
+    WatchFlags.StartRequested = true;
     ShowWatching(controls, true);
     // The loop of the last watch starts the next one when control comes back to it. Without one,
     // the scan belongs to a timer's tick, and a watch that ran inside that tick would keep the
     // timer from ever ticking again. One inside a message box would keep back its answer.
-    if (!PublicDim.WatchOnStack) controls.TimerStart.Enabled(true);
+    if (!WatchFlags.WatchOnStack) controls.TimerStart.Enabled(true);
     return;
   }
-  PublicDim.WatchOnStack = true;
+  WatchFlags.WatchOnStack = true;
   do {
     RunOneWatch(controls);
-  } while (PublicDim.StartRequested);
-  PublicDim.WatchOnStack = false;
+  } while (WatchFlags.StartRequested);
+  WatchFlags.WatchOnStack = false;
 }
 
 void StopClicked(const WatchControls& controls) {
-  if (PublicDim.StartRequested) {
-    PublicDim.StartRequested = false;
+  if (WatchFlags.StartRequested) {
+    WatchFlags.StartRequested = false;
     return ShowWatching(controls, false);
   }
   if (PublicDim.FirstScanRunning) {
-    PublicDim.StopRequested = true;
+    WatchFlags.StopRequested = true;
     return ShowWatching(controls, false);
   }
   StopWatch();
   // A start that came inside the stop's own yield came after a second stop there, and holds.
-  ShowWatching(controls, PublicDim.StartRequested);
+  ShowWatching(controls, WatchFlags.StartRequested);
 }
 
 void StartTick(const WatchControls& controls) {
   controls.TimerStart.Enabled(false);
-  if (PublicDim.StartRequested) StartClicked(controls);
+  if (WatchFlags.StartRequested) StartClicked(controls);
 }
 
-void CompareTick(ChangeReports& reports) {
-  if (!PublicDim.ChangePending || PublicDim.ScanRunning) return;
+void CompareTick(DifferenceReports& reports) {
+  if (!PublicDim.ChangePending || WatchFlags.ScanRunning) return;
   PublicDim.ChangePending = false;
   CompareSnapshots(reports);
   PublicDim.CookieListStale = true;

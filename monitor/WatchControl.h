@@ -28,4 +28,4 @@ void StopClicked(const WatchControls& controls);
 void StartTick(const WatchControls& controls);
 
 /// Tick of `TimerCompare`: one comparison when a change is pending and no scan is under way.
-void CompareTick(ChangeReports& reports);
+void CompareTick(DifferenceReports& reports);

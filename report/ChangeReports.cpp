@@ -57,7 +57,7 @@ std::string RemovedLine(const std::string& now, const CookieFileRow& row) {
   return AddedOrRemovedLine(now, " - Cookie file removed: ", row);
 }
 
-void ReportModified(platform::ListBox& log, const CookieFileRow& before,
+void TellOfModified(platform::ListBox& log, const CookieFileRow& before,
                     const CookieFileRow& after) {
   if (before.SizeText == after.SizeText && before.ModifiedText == after.ModifiedText) return;
   const std::string line = ModifiedLine(PresentDateAndTime(), before, after);
@@ -69,7 +69,7 @@ void ReportModified(platform::ListBox& log, const CookieFileRow& before,
   ShowChangePopup();
 }
 
-void ReportAdded(platform::ListBox& log, const CookieFileRow& row) {
+void TellOfAdded(platform::ListBox& log, const CookieFileRow& row) {
   const std::string line = AddedLine(PresentDateAndTime(), row);
   log.AddItem(line);
   PublicDim.MsgText = "Cookie file added\r\n" + row.FileName;
@@ -79,7 +79,7 @@ void ReportAdded(platform::ListBox& log, const CookieFileRow& row) {
   ShowChangePopup();
 }
 
-void ReportRemoved(platform::ListBox& log, const CookieFileRow& row) {
+void TellOfRemoved(platform::ListBox& log, const CookieFileRow& row) {
   const std::string line = RemovedLine(PresentDateAndTime(), row);
   log.AddItem(line);
   PublicDim.MsgText = "Cookie file removed\r\n" + row.FileName;

@@ -17,10 +17,10 @@ std::string AddedLine(const std::string& now, const CookieFileRow& row);
 std::string RemovedLine(const std::string& now, const CookieFileRow& row);
 
 /// Reports a pair of rows with the same name if its size or time text differs.
-void ReportModified(platform::ListBox& log, const CookieFileRow& before,
+void TellOfModified(platform::ListBox& log, const CookieFileRow& before,
                     const CookieFileRow& after);
-void ReportAdded(platform::ListBox& log, const CookieFileRow& row);
-void ReportRemoved(platform::ListBox& log, const CookieFileRow& row);
+void TellOfAdded(platform::ListBox& log, const CookieFileRow& row);
+void TellOfRemoved(platform::ListBox& log, const CookieFileRow& row);
 
 /// The present date and time as a log line begins with it.
 std::string PresentDateAndTime();

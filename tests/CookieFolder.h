@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "core/PublicDim.h"
+#include "monitor/WatchFlags.h"
 #include "tests/unit/TemporaryFolder.h"
 
 /// A record of a cookie file: nine lines, each ended by LF. Its expiry lies at noon, UTC.
@@ -19,6 +20,7 @@ class CookieFolder : public TemporaryFolder {
  public:
   CookieFolder() {
     PublicDim = {};
+    WatchFlags = {};
     PublicDim.CookieDir = TemporaryFolder::Path();
   }
 

@@ -42,7 +42,7 @@ FormAbout::FormAbout()
              {.Name = "Image1", .At = {210, 45, 1665, 1470}, .AccessibleName = "Quillmere"},
              "about.gif"),
       Label3(Picture1, {.Name = "Label3",
-                        .Caption = "Quillmere 1.0\r\n"
+                        .Caption = "Quillmere " QUILLMERE_VERSION "\r\n"
                                    "The Quillmere Project\r\n"
                                    "Free software under the MIT licence\r\n",
                         .At = {2400, 270, 2805, 1020},

@@ -12,7 +12,7 @@
 
 /// The program's main window. Its event procedures are a few lines each: the work is in the feature
 /// folders. The controls are public, as in any form, for the window's tests.
-class FormMain : public platform::Form, private ChangeReports {
+class FormMain : public platform::Form, private DifferenceReports {
  public:
   FormMain();
 

@@ -46,7 +46,9 @@ std::string_view Trimmed(std::string_view text) {
 void FormMain::Form_Load() {
   const std::string command = platform::Command();
   if (Trimmed(command) == "/1") StartHidden = true;
-  ResolveFolders(hWnd());
+  ResolveProgramFolders();
+  PublicDim.MsgEnabled = true;
+  ResolveShellFolders(hWnd());
   LoadConfig();
   InitMainWindow();
   Combo1.ListIndex(CookieNameField);
@@ -187,15 +189,15 @@ void FormMain::TimerStart_Timer() { StartTick(Watch()); }
 void FormMain::TimerCompare_Timer() { CompareTick(*this); }
 
 void FormMain::ReportModified(std::size_t oldRow, std::size_t newRow) {
-  ::ReportModified(ListLog, PublicDim.KnownRows[oldRow], PublicDim.CurrentRows[newRow]);
+  TellOfModified(ListLog, PublicDim.KnownRows[oldRow], PublicDim.CurrentRows[newRow]);
 }
 
 void FormMain::ReportAdded(std::size_t newRow) {
-  ::ReportAdded(ListLog, PublicDim.CurrentRows[newRow]);
+  TellOfAdded(ListLog, PublicDim.CurrentRows[newRow]);
 }
 
 void FormMain::ReportRemoved(std::size_t oldRow) {
-  ::ReportRemoved(ListLog, PublicDim.KnownRows[oldRow]);
+  TellOfRemoved(ListLog, PublicDim.KnownRows[oldRow]);
 }
 
 // --- The cookie lists ----------------------------------------------------------------------------
@@ -241,7 +243,7 @@ void FormMain::Menu_Delete_Click() { DeleteSelectedCookieFiles(ListVCookie); }
 void FormMain::Menu_DelSearch_Click() { DeleteSelectedCookieFiles(ListVSearch); }
 
 void FormMain::ShowCookieDetail(std::int32_t Which) {
-  ::ShowCookieDetail(Which == CookieList ? ListVCookie : ListVSearch, *this);
+  OpenCookieDetail(Which == CookieList ? ListVCookie : ListVSearch, *this);
 }
 
 // --- Tools, sound, options, information ----------------------------------------------------------

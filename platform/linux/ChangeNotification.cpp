@@ -20,8 +20,8 @@
 #include <variant>
 #include <vector>
 
-#include "platform/linux/Descriptor.h"
 #include "platform/common/HandleTable.h"
+#include "platform/linux/Descriptor.h"
 #include "platform/linux/Paths.h"
 
 namespace platform {

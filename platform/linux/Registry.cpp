@@ -10,8 +10,8 @@
 
 #include "platform/Files.h"
 #include "platform/Regional.h"
-#include "platform/linux/Autostart.h"
 #include "platform/common/HandleTable.h"
+#include "platform/linux/Autostart.h"
 #include "platform/linux/Paths.h"
 #include "platform/linux/UserFolders.h"
 

@@ -24,6 +24,7 @@
 #include <gtest/gtest.h>
 
 #include "core/PublicDim.h"
+#include "monitor/WatchFlags.h"
 #include "platform/linux/Widgets.h"
 #include "tests/CookieFolder.h"
 #include "tests/model/Model.h"
@@ -110,7 +111,7 @@ class ModelRun {
       now_.BeginWatch();
     }
     if (now_.FirstScan && !PublicDim.FirstScanRunning) now_.EndFirstScan();
-    if (PublicDim.ScanRunning || stopping_) return Within();
+    if (WatchFlags.ScanRunning || stopping_) return Within();
     if (busy_) return;
     if (withWindows_) Measure();
     Prepare();
@@ -226,7 +227,7 @@ class ModelRun {
   // --- Clicks and ticks --------------------------------------------------------------------------
 
   void TickCompare() {
-    const bool due = now_.Pending && !PublicDim.ScanRunning;
+    const bool due = now_.Pending && !WatchFlags.ScanRunning;
     if (due) now_.Pending = false;
     form_.TimerCompare.Tick();
     if (!due) return;

@@ -43,7 +43,7 @@ TEST(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
   platform::ListView& list = window.ListVCookie;
   const auto detail = [&](int position) {
     for (int row = 1; row <= list.Count(); ++row) list.Item(row).Selected(row == position);
-    ShowCookieDetail(list, window);
+    OpenCookieDetail(list, window);
     return ClosedDetails();
   };
   const std::string name = "a[*]b[*][*].txt";

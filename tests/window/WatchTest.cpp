@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "core/PublicDim.h"
+#include "monitor/WatchFlags.h"
 #include "tests/CookieFolder.h"
 #include "tests/window/CookieLists.h"
 #include "ui/FormMain.h"
@@ -38,7 +39,7 @@ class Watch : public testing::Test {
     for (int i = 0; i < 300; ++i) folder_.Write(cookies_ + "f" + std::to_string(i) + ".txt");
   }
 
-  static bool InsideAScan() { return PublicDim.ScanRunning && PublicDim.ScanRowCount >= 100; }
+  static bool InsideAScan() { return WatchFlags.ScanRunning && PublicDim.ScanRowCount >= 100; }
 
   const std::string cookies_ = "quillmere/cookies/";
   CookieFolder folder_;
@@ -71,8 +72,8 @@ TEST_F(Watch, AStartInsideAQuestionWaitsForTheAnswer) {
   QTimer::singleShot(100, [] { QApplication::activeModalWidget()->close(); });
   form.Check1.Value(1);
   form.CmdClean.Click();
-  EXPECT_TRUE(PublicDim.StartRequested) << "the answer would come when the watch ends";
-  EXPECT_TRUE(QTest::qWaitFor([] { return !PublicDim.StartRequested; }));
+  EXPECT_TRUE(WatchFlags.StartRequested) << "the answer would come when the watch ends";
+  EXPECT_TRUE(QTest::qWaitFor([] { return !WatchFlags.StartRequested; }));
 }
 
 TEST_F(Watch, StopAndStartOverAndOverDoNotPileUpOnTheStack) {
@@ -112,7 +113,7 @@ TEST_F(Watch, AScanThatTheCleanerDisturbsIsMadeAgain) {
   cleaned = false;
   act_ = clean;
   PublicDim.ChangePending = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return cleaned && !PublicDim.ScanRunning; }));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return cleaned && !WatchFlags.ScanRunning; }));
   EXPECT_EQ(form.ListLog.ListCount(), 3) << "what the cleaner deleted is no news";
   EXPECT_NE(form.ListLog.List(2).find("added: survivor.txt"), std::string::npos);
 }

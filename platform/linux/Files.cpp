@@ -215,13 +215,6 @@ std::optional<FolderReading>& AtHand() {
   return reading;
 }
 
-/// An ordinary file opened for reading; nothing for any other. The look comes before the open: a
-/// pipe or a device must not even be opened.
-Descriptor OpenOrdinary(const std::string& path, bool isRegular) {
-  if (!isRegular) isRegular = IsOrdinaryFile(AT_FDCWD, path.c_str());
-  return isRegular ? Descriptor(open(path.c_str(), ReadingFlags)) : Descriptor();
-}
-
 }  // namespace
 
 std::string Dir(const std::string& pattern, int attributes) {
@@ -260,16 +253,17 @@ InputFile::InputFile(const std::string& path) {
       return;
     }
   }
-  const Descriptor file = OpenOrdinary(path, listed.has_value());
+  // The look comes before the open: a pipe or a device is best not even opened.
+  if (!listed && !IsOrdinaryFile(AT_FDCWD, path.c_str())) return;
+  const Descriptor file = OpenOrdinary(AT_FDCWD, path.c_str());
   if (!file) return;
-  constexpr std::size_t LongestText = 0x7FFFFFFF;
   std::array<char, 65536> buffer;
   ssize_t got = 0;
   // File systems of the network, too, can give less than was asked for: only nothing is the end.
   while ((got = read(file.Number(), buffer.data(), buffer.size())) > 0 ||
          (got < 0 && errno == EINTR)) {
     if (got > 0) content_.append(buffer.data(), static_cast<std::size_t>(got));
-    if (content_.size() > LongestText) break;
+    if (content_.size() > std::size_t{LongestText}) break;
   }
   open_ = got == 0;
   if (!open_) content_ = {};

@@ -96,16 +96,26 @@ class DirectoryReader {
   bool begun_ = false;
 };
 
-/// For the opening of an ordinary file. Without O_NONBLOCK the open of a pipe that has just taken
-/// its place would wait for a writer.
-inline constexpr int ReadingFlags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
-
 /// An ordinary file: a regular one, or a link that leads to one. `type` saves the look where the
 /// directory has told already.
 inline bool IsOrdinaryFile(int folder, const char* name, unsigned char type = DT_UNKNOWN) {
   if (type != DT_UNKNOWN && type != DT_LNK) return type == DT_REG;
   struct stat info;
   return fstatat(folder, name, &info, 0) == 0 && S_ISREG(info.st_mode);
+}
+
+inline constexpr off_t LongestText = 0x7FFFFFFF;
+
+/// Opens what was an ordinary file at the last look; nothing where anything else has taken its name
+/// since, or for a longer text than can be read. Without O_NONBLOCK the open of a pipe would wait
+/// for a writer.
+inline Descriptor OpenOrdinary(int folder, const char* name) {
+  Descriptor file(openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  struct stat info;
+  const bool readable = file && fstat(file.Number(), &info) == 0 && S_ISREG(info.st_mode) &&
+                        info.st_size <= LongestText;
+  if (!readable) file.Close();
+  return file;
 }
 
 }  // namespace platform

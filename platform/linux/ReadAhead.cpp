@@ -101,7 +101,7 @@ void ReadAhead::Read(std::size_t number, Block& block) const {
 }
 
 std::optional<std::string_view> ReadAhead::ReadWhole(const char* name, std::span<char> room) const {
-  const Descriptor file(openat(listing_.Folder(), name, ReadingFlags));
+  const Descriptor file = OpenOrdinary(listing_.Folder(), name);
   std::size_t size = 0;
   while (file && size < room.size()) {
     const ssize_t got = read(file.Number(), room.data() + size, room.size() - size);

@@ -1,4 +1,5 @@
 #include <csignal>
+#include <functional>
 #include <string>
 #include <sys/mount.h>
 #include <sys/resource.h>
@@ -107,6 +108,21 @@ TEST(Files, AShortReadIsNotTheEndOfAFile) {
   const std::string content = file.LineInput();
   EXPECT_GT(content.size(), 8192u);
   EXPECT_NE(content.find("[stack]"), std::string::npos);
+}
+
+TEST(Files, WhatTakesANameWithinARebuildIsNotRead) {
+  const TemporaryFolder folder;
+  const std::string path = folder.Path("a.txt");
+  const std::function<void()> exchanges[] = {[&] { symlink("/dev/zero", path.c_str()); },
+                                             [&] { mkfifo(path.c_str(), 0600); }};
+  for (const auto& exchange : exchanges) {
+    folder.Write("a.txt");
+    const FolderAtHand listed(folder.Path("*.txt"));
+    unlink(path.c_str());
+    exchange();
+    EXPECT_FALSE(InputFile(path).IsOpen());
+    unlink(path.c_str());
+  }
 }
 
 // Between two calls of the kernel the place where a listing of tmpfs paused can be gone.

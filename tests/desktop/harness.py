@@ -32,6 +32,24 @@ PATIENCE = float(os.environ.get("QUILLMERE_PATIENCE", "1"))
 # The sanitizers keep freed memory to themselves for a while, so its amount tells nothing.
 SANITIZED = "QUILLMERE_SANITIZED" in os.environ
 TWIPS_PER_PIXEL = 15
+# The one window manager for all tests, where it is set.
+WINDOW_MANAGER = os.environ.get("QUILLMERE_WINDOW_MANAGER")
+# Command lines of the window managers, and what keeps them from drawing a background or holding a
+# tray of their own, by the names of their files in the home folder.
+WINDOW_MANAGERS = {
+    "openbox": "openbox --sm-disable",
+    "xfwm4": "xfwm4 --compositor=off",
+    "metacity": "metacity --sm-disable --no-composite",
+    "icewm": "icewm",
+    "fluxbox": "fluxbox",
+}
+WINDOW_MANAGER_FILES = {
+    ".icewm/preferences": "ShowTaskBar=0\n",
+    ".fluxbox/init": "session.screen0.toolbar.visible: false\n"
+                     "session.screen0.toolbar.tools: iconbar\n"
+                     "session.styleOverlay: ~/.fluxbox/overlay\n",
+    ".fluxbox/overlay": "background: unset\n",
+}
 
 
 def wait_until(condition, what, seconds=15):
@@ -99,10 +117,14 @@ class Desktop:
     def __init__(self):
         self.home = Path(tempfile.mkdtemp(prefix="quillmere-desktop-"))
         self.processes = []
+        self.window_manager = None
         for name in ("config/pulse", "data", "cache", "runtime"):
             (self.home / name).mkdir(parents=True)
         (self.home / "runtime").chmod(0o700)
         (self.home / "config/pulse/client.conf").write_text("autospawn = no\n")
+        for name, text in WINDOW_MANAGER_FILES.items():
+            (self.home / name).parent.mkdir(exist_ok=True)
+            (self.home / name).write_text(text)
         self.env = {
             "PATH": os.environ["PATH"], "HOME": str(self.home), "LANG": "C.UTF-8",
             "USER": os.environ.get("USER", "nobody"),
@@ -118,9 +140,25 @@ class Desktop:
         self.start("/usr/libexec/at-spi-bus-launcher", "--launch-immediately")
         os.environ.update(self.env)
         run("gdbus", "wait", "--session", "org.a11y.Bus")
-        self.start("openbox", "--sm-disable")
-        wait_until(lambda: "window id #" in run(
-            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False), "the window manager")
+        self.use_window_manager("openbox")
+
+    def use_window_manager(self, name):
+        """In the place of the one before."""
+        if name == self.window_manager:
+            return
+        if self.window_manager:
+            self.processes.remove(self.manager)
+            end_process(self.manager)
+        self.window_manager = name
+        self.manager = self.start(*WINDOW_MANAGERS[name].split())
+        wait_until(self._is_managed, name)
+
+    def _is_managed(self):
+        """By that one: it has put its name on a window of its own."""
+        window = re.search("window id # (0x[0-9a-f]+)", run(
+            "xprop", "-root", "_NET_SUPPORTING_WM_CHECK", check=False))
+        return window and self.window_manager in run(
+            "xprop", "-id", window[1], "_NET_WM_NAME", check=False).lower()
 
     def start(self, *command, **options):
         quiet = {key: subprocess.DEVNULL for key in ("stdin", "stdout", "stderr")}
@@ -164,8 +202,8 @@ class Control:
         self.accessible = accessible
 
     name = property(lambda self: self.accessible.get_name())
-    role = property(lambda self: self.accessible.get_role_name())
-    text = property(lambda self: self.accessible.get_text_iface().get_text(0, -1))
+    role = property(lambda self: ROLES.get(role := self.accessible.get_role_name(), role))
+    text = property(lambda self: Atspi.Text.get_text(self.accessible, 0, -1))
     enabled = property(lambda self: self.has("enabled"))
     checked = property(lambda self: self.has("checked"))
 
@@ -214,6 +252,7 @@ class Control:
         return [[cell.name for cell in row] for row in self.cells()]
 
 
+ROLES = {"button": "push button"}  # what AT-SPI 2.56 names otherwise than those before
 LISTS = {"list", "tree", "table", "tree table", "menu bar", "combo box"}
 
 
@@ -308,8 +347,9 @@ class Program:
 
     def frame(self, window=None):
         """Left, right, top and bottom of what the window manager draws around the window."""
-        text = run("xprop", "-id", window or self.find_window(), "_NET_FRAME_EXTENTS")
-        return tuple(int(value) for value in re.findall(r"\d+", text))
+        window = window or self.find_window()
+        return wait_until(lambda: tuple(int(value) for value in re.findall(r"\d+", run(
+            "xprop", "-id", window, "_NET_FRAME_EXTENTS"))), f"the frame of window {window}")
 
     def switch_maximised(self):
         """By a double click on the title."""
@@ -437,14 +477,36 @@ def cookies(*names):
     return "".join(map("{}\n42\nshop.example/\n0\n0\n30000000\n0\n0\n*\n".format, names)).encode()
 
 
+def under(*window_managers):
+    """The test runs under each of these, as one of its own whose name has theirs at its end."""
+    def mark(test):
+        test.window_managers = window_managers
+        return test
+    return mark
+
+
 class DesktopTest(unittest.TestCase):
     """A test file's desktop, and programs that end with their test."""
+
+    window_managers = ()  # those under which each test runs that names none by itself
+
+    def __init_subclass__(cls):
+        for name, test in [] if WINDOW_MANAGER else [*vars(cls).items()]:
+            usual = cls.window_managers if name.startswith("test_") else ()
+            if managers := getattr(test, "window_managers", usual):
+                delattr(cls, name)
+            for manager in managers:
+                setattr(cls, f"{name}_{manager}", test)
 
     @classmethod
     def setUpClass(cls):
         cls.desktop = Desktop()
         cls.addClassCleanup(cls.desktop.close)
         cls.desktop.open()
+
+    def setUp(self):
+        asked = WINDOW_MANAGER or self._testMethodName.rpartition("_")[2]
+        self.desktop.use_window_manager(asked if asked in WINDOW_MANAGERS else "openbox")
 
     def program(self, **options):
         """One that has to end well with its test."""

@@ -5,7 +5,7 @@ import re
 import time
 
 from harness import (SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, cookies, end_process, front,
-                     main, run, wait_until)
+                     main, run, under, wait_until)
 
 CLIENT = (3435 // TWIPS_PER_PIXEL, 1365 // TWIPS_PER_PIXEL)
 # Its outer size counts 120 x 420 twips of frame, whatever is drawn.
@@ -26,6 +26,7 @@ def megabytes(program):
 
 
 class PopupTest(DesktopTest):
+    @under("openbox", "xfwm4")
     def test_place_and_texts(self):
         """Three changes, three popups at one place, also with the window hidden."""
         program = self.program(config=SAVE_LOG, switch=("/1",))

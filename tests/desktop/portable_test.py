@@ -17,6 +17,7 @@ class PortableTest(DesktopTest):
         run("cpack", "--config", BUILD / "CPackConfig.cmake", "-B", cls.desktop.home / "made")
 
     def setUp(self):
+        super().setUp()
         place = self.desktop.home / "pläce of 100%20 blanks, 日本"
         place.mkdir(exist_ok=True)
         run("tar", "-xzf", *self.desktop.home.glob("made/quillmere-*.tar.gz"), "-C", place)

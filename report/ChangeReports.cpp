@@ -4,7 +4,7 @@
 #include "platform/Regional.h"
 #include "report/FormMsg.h"
 #include "report/LogFile.h"
-#include "report/Sound.h"
+#include "report/PlaySoundFile.h"
 
 namespace {
 

@@ -18,7 +18,7 @@
 #include "platform/Application.h"
 #include "platform/Shell.h"
 #include "report/ChangeReports.h"
-#include "report/Sound.h"
+#include "report/PlaySoundFile.h"
 #include "ui/FormMain.h"
 #include "ui/MainLayout.h"
 

@@ -11,7 +11,7 @@
 #include "platform/Files.h"
 #include "platform/Regional.h"
 #include "platform/common/HandleTable.h"
-#include "platform/linux/Autostart.h"
+#include "platform/linux/AutostartEntry.h"
 #include "platform/linux/Paths.h"
 #include "platform/linux/UserFolders.h"
 

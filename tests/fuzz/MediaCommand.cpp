@@ -1,7 +1,7 @@
 #include <set>
 #include <sys/stat.h>
 
-#include "platform/Sound.h"
+#include "platform/MediaControl.h"
 #include "platform/linux/SoundPlayer.h"
 #include "tests/fuzz/Fuzz.h"
 

@@ -8,7 +8,7 @@
 
 #include "core/SpecialFolders.h"
 #include "platform/ShellFolders.h"
-#include "platform/linux/Autostart.h"
+#include "platform/linux/AutostartEntry.h"
 #include "tests/unit/TemporaryFolder.h"
 
 TEST(Autostart, KnowsTheEntriesThatAreOn) {
@@ -16,7 +16,8 @@ TEST(Autostart, KnowsTheEntriesThatAreOn) {
   setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
   const std::pair<std::string, std::optional<std::string>> entries[] = {
       {"[Desktop Entry]\nExec=\"/opt/program\" /1\n", "/opt/program /1"},
-      {"[Desktop Entry]\nExec=/opt/p /1\nHidden=true\n", {}},
+      {"[Desktop Entry]\nExec=/opt/p /1\nHidden=True\n", {}},
+      {"[Desktop Entry]\nExec=/opt/p /1\nX-MATE-Autostart-enabled=0\n", {}},
       {"[Desktop Entry]\nExec=/opt/p /1\nX-GNOME-Autostart-enabled=false\n", {}},
       {"[Desktop Action x]\nExec=other\n[Desktop Entry]\nExec = /opt/p /1 %U\r\n", "/opt/p /1 "}};
   for (const auto& [entry, command] : entries) {

@@ -1,4 +1,4 @@
-#include "platform/Sound.h"
+#include "platform/MediaControl.h"
 
 #include <optional>
 #include <set>

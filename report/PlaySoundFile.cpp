@@ -1,10 +1,10 @@
-#include "report/Sound.h"
+#include "report/PlaySoundFile.h"
 
 #include <string>
 
 #include "core/AtScopeEnd.h"
 #include "core/PublicDim.h"
-#include "platform/Sound.h"
+#include "platform/MediaControl.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/linux/Autostart.h"
+#include "platform/linux/AutostartEntry.h"
 
 #include <glib.h>
 

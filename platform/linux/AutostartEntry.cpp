@@ -1,4 +1,4 @@
-#include "platform/linux/Autostart.h"
+#include "platform/linux/AutostartEntry.h"
 
 #include <algorithm>
 #include <string_view>
@@ -169,6 +169,19 @@ std::optional<std::string> EntryKey(const std::string& content, std::string_view
   return std::nullopt;
 }
 
+/// Desktops differ in the letters' case, and take a digit for the word.
+bool EntryKeyIs(const std::string& content, std::string_view key, std::string_view word,
+                std::string_view digit) {
+  const std::optional<std::string> value = EntryKey(content, key);
+  return value && (FoldCase(*value) == FoldCase(word) || *value == digit);
+}
+
+bool IsSwitchedOff(const std::string& content) {
+  return EntryKeyIs(content, "Hidden", "true", "1") ||
+         EntryKeyIs(content, "X-GNOME-Autostart-enabled", "false", "0") ||
+         EntryKeyIs(content, "X-MATE-Autostart-enabled", "false", "0");
+}
+
 }  // namespace
 
 std::optional<std::string> AutostartCommand(const std::string& name) {
@@ -176,10 +189,7 @@ std::optional<std::string> AutostartCommand(const std::string& name) {
   std::string content;
   while (!file.EndOfFile()) content += file.LineInput() + '\n';
   const std::optional<std::string> exec = EntryKey(content, "Exec");
-  if (!exec || EntryKey(content, "Hidden") == "true" ||
-      EntryKey(content, "X-GNOME-Autostart-enabled") == "false") {
-    return std::nullopt;
-  }
+  if (!exec || IsSwitchedOff(content)) return std::nullopt;
   return CommandOf(TextUnescaped(*exec));
 }
 

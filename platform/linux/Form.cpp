@@ -4,14 +4,9 @@
 #include <utility>
 
 #include <QAbstractEventDispatcher>
-#include <QApplication>
-#include <QCloseEvent>
 #include <QCursor>
-#include <QLabel>
+#include <QGuiApplication>
 #include <QMenu>
-#include <QMessageBox>
-#include <QMouseEvent>
-#include <QPointer>
 #include <QScreen>
 #include <QWindow>
 
@@ -19,25 +14,8 @@
 #include "platform/linux/FormWidget.h"
 #include "platform/linux/PopupPile.h"
 #include "platform/linux/Widgets.h"
-#include "platform/linux/XServer.h"
 
 namespace platform {
-
-namespace {
-
-Qt::WindowFlags Flags(const FormDesign& design) {
-  // Only of a dialog do window managers learn the owner.
-  Qt::WindowFlags flags = !design.ShowInTaskbar ? Qt::Tool
-                          : design.MinButton    ? Qt::Window
-                                                : Qt::Dialog;
-  flags |= Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-           Qt::WindowCloseButtonHint;
-  if (design.MinButton) flags |= Qt::WindowMinimizeButtonHint;
-  if (design.MaxButton) flags |= Qt::WindowMaximizeButtonHint;
-  return flags;
-}
-
-}  // namespace
 
 struct Form::State {
   FormDesign Design;
@@ -61,16 +39,6 @@ class FormReaper : public QObject {
 
 namespace {
 
-/// To the front; over it the question that is open, if any, which alone can be used then.
-void ComeForward(QWidget& window) {
-  window.raise();
-  window.activateWindow();
-  QWidget* question = QApplication::activeModalWidget();
-  if (!question || question == &window) return;
-  question->raise();
-  question->activateWindow();
-}
-
 std::map<Form*, std::unique_ptr<Form>>& KeptForms() {
   // Never freed: where the process ends with windows open, they end with it.
   static auto& forms = *new std::map<Form*, std::unique_ptr<Form>>;
@@ -92,82 +60,6 @@ void GiveBackMemory(std::size_t stillKept) {
 FormReaper::~FormReaper() {
   form_.reset();
   GiveBackMemory(KeptForms().size() + --waiting_);
-}
-
-FormWidget::FormWidget(Form& form, const FormDesign& design)
-    : QWidget(nullptr, Flags(design)), form_(&form), inTaskbar_(design.ShowInTaskbar) {
-  setObjectName(design.Name);
-  setWindowTitle(design.Caption);
-  // One icon for all windows: read for each, it would cost most of what a window costs.
-  if (QApplication::windowIcon().isNull()) {
-    QApplication::setWindowIcon(QIcon(":/assets/quillmere.ico"));
-  }
-  setMouseTracking(true);
-  if (!main_) main_ = this;
-}
-
-void FormWidget::closeEvent(QCloseEvent* event) {
-  // The window goes by Unload alone, so that Form_Unload always runs first.
-  event->ignore();
-  if (form_) form_->Unload();
-}
-
-void FormWidget::moveEvent(QMoveEvent*) { MovedOnPile(*this); }
-
-void FormWidget::resizeEvent(QResizeEvent*) {
-  if (form_) form_->Form_Resize();
-}
-
-void FormWidget::changeEvent(QEvent* event) {
-  if (form_ && event->type() == QEvent::WindowStateChange) form_->Form_Resize();
-  if (event->type() == QEvent::PaletteChange) RenewThemeColours(*this);
-  QWidget::changeEvent(event);
-}
-
-void FormWidget::mouseMoveEvent(QMouseEvent* event) {
-  if (!form_) return;
-  form_->Form_MouseMove(static_cast<float>(ToTwips(event->position().toPoint().x())));
-}
-
-void FormWidget::AddTabStop(int index, QWidget* widget) { tabStops_.emplace_back(index, widget); }
-
-void FormWidget::ComeUp() {
-  if (!std::exchange(cameUp_, true)) {
-    if (form_) form_->Form_FirstShow();
-    ApplyTabOrder();
-  }
-  // Window managers forget it of a window that leaves the screen.
-  if (!inTaskbar_ && !isVisible()) LeaveTaskbar(static_cast<xcb_window_t>(winId()));
-  const bool isThere = isVisible() && (isMinimized() || windowHandle()->isExposed());
-  show();
-  if (testAttribute(Qt::WA_ShowWithoutActivating)) return;
-  if (isThere) {
-    setWindowState(windowState() & ~Qt::WindowMinimized);
-    ComeForward(*this);
-  }
-  BringOwnedBack();
-}
-
-void FormWidget::BringOwnedBack() const {
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (window->windowType() == Qt::Window || !window->isVisible() || !window->isMinimized() ||
-        window->windowHandle()->transientParent() != windowHandle()) {
-      continue;
-    }
-    window->setWindowState(window->windowState() & ~Qt::WindowMinimized);
-  }
-}
-
-void FormWidget::ApplyTabOrder() {
-  std::stable_sort(tabStops_.begin(), tabStops_.end(),
-                   [](const auto& a, const auto& b) { return a.first < b.first; });
-  QWidget* before = nullptr;
-  for (const auto& [index, widget] : tabStops_) {
-    const QWidget* target = widget->focusProxy() ? widget->focusProxy() : widget;
-    if (target->focusPolicy() == Qt::NoFocus) continue;
-    if (before) setTabOrder(before, widget);
-    before = widget;
-  }
 }
 
 Form::Form(const FormDesign& design)
@@ -284,67 +176,6 @@ void DoEvents() {
   for (int pass = 0; pass < MostPasses && !ProcessEnds; ++pass) {
     if (!events->processEvents(QEventLoop::AllEvents)) return;
   }
-}
-
-namespace {
-
-bool IsPopup(const QWidget& window) { return window.testAttribute(Qt::WA_ShowWithoutActivating); }
-
-int openBoxes = 0;
-
-}  // namespace
-
-bool InsideMsgBox() { return openBoxes > 0; }
-
-int MsgBox(const std::string& text, int flags) {
-  QWidget* parent = FormWidget::Main();
-  QMessageBox box(parent);
-  box.setWindowTitle(QCoreApplication::applicationName());
-  box.setText(FromText(text));
-  box.setIcon(flags & MB_ICONQUESTION      ? QMessageBox::Question
-              : flags & MB_ICONINFORMATION ? QMessageBox::Information
-                                           : QMessageBox::NoIcon);
-  if (flags & MB_YESNO) {
-    box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-    box.setDefaultButton(QMessageBox::Yes);
-    box.setEscapeButton(QMessageBox::No);
-  }
-  // The main window and those that it owns are blocked. Popups can be used, and what they open.
-  if (parent) box.setWindowModality(Qt::WindowModal);
-  ++openBoxes;
-  const int answer = box.exec();
-  --openBoxes;
-  switch (answer) {
-    case QMessageBox::Yes:
-      return IDYES;
-    case QMessageBox::No:
-      return IDNO;
-    default:
-      return IDOK;
-  }
-}
-
-int SetForegroundWindow(std::uint32_t window) {
-  const Control* control = ControlByHandle(window);
-  if (!control) return 0;
-  QWidget* widget = Widget(*control);
-  // A request for one that is not on the screen would bring it there, now or later.
-  if (!widget->isVisible() || widget->isMinimized()) return 0;
-  ComeForward(*widget);
-  return 1;
-}
-
-bool AppActivate(const std::string& title) {
-  const QString wanted = FromText(title);
-  QWidget* found = nullptr;
-  for (QWidget* window : QApplication::topLevelWidgets()) {
-    if (!window->isVisible() || window->windowTitle() != wanted) continue;
-    // Popups have the main window's title, and are only taken when there is nothing else.
-    if (!found || IsPopup(*found)) found = window;
-  }
-  if (!found) return false;
-  ComeForward(*found);
-  return true;
 }
 
 int SetWindowPos(std::uint32_t window, std::int32_t after, int x, int y, int cx, int cy,

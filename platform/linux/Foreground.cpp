@@ -1,0 +1,48 @@
+#include "platform/linux/Foreground.h"
+
+#include <QApplication>
+
+#include "platform/Forms.h"
+#include "platform/linux/Widgets.h"
+
+namespace platform {
+
+void ComeForward(QWidget& window) {
+  window.raise();
+  window.activateWindow();
+  QWidget* question = QApplication::activeModalWidget();
+  if (!question || question == &window) return;
+  question->raise();
+  question->activateWindow();
+}
+
+namespace {
+
+bool IsPopup(const QWidget& window) { return window.testAttribute(Qt::WA_ShowWithoutActivating); }
+
+}  // namespace
+
+int SetForegroundWindow(std::uint32_t window) {
+  const Control* control = ControlByHandle(window);
+  if (!control) return 0;
+  QWidget* widget = Widget(*control);
+  // A request for one that is not on the screen would bring it there, now or later.
+  if (!widget->isVisible() || widget->isMinimized()) return 0;
+  ComeForward(*widget);
+  return 1;
+}
+
+bool AppActivate(const std::string& title) {
+  const QString wanted = FromText(title);
+  QWidget* found = nullptr;
+  for (QWidget* window : QApplication::topLevelWidgets()) {
+    if (!window->isVisible() || window->windowTitle() != wanted) continue;
+    // Popups have the main window's title, and are only taken when there is nothing else.
+    if (!found || IsPopup(*found)) found = window;
+  }
+  if (!found) return false;
+  ComeForward(*found);
+  return true;
+}
+
+}  // namespace platform

@@ -1,13 +1,14 @@
 #!/usr/bin/env python3
 """Draws the program's pictures: a quill over a cookie.
 
-Writes quillmere.ico, tray.ico, about.gif and the links' pointer hand.cur beside this script, and
-for dense screens tray@2x.ico, about@2x.gif and hand@2x.cur. The same run gives the same bytes; only
-the standard library is used.
+Writes quillmere.ico, quillmere.png for desktops, tray.ico, about.gif and the links' pointer hand.cur
+beside this script, and for dense screens tray@2x.ico, about@2x.gif and hand@2x.cur. The same run
+gives the same bytes; only the standard library is used.
 """
 
 import math
 import struct
+import zlib
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
@@ -230,6 +231,21 @@ def write_cursor(name, rows, hot_spot):
         struct.pack("<HHHBBBBHHII", 0, 2, 1, size, size, 0, 0, *hot_spot, len(body), 22) + body)
 
 
+# --- PNG -----------------------------------------------------------------------------------------
+
+
+def write_png(name, rows):
+    def chunk(kind, data):
+        return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+
+    no_filter = b"\0"  # at the head of each line
+    lines = b"".join(no_filter + b"".join(map(bytes, row)) for row in rows)
+    colour_and_alpha = 6
+    head = struct.pack(">IIBBBBB", len(rows[0]), len(rows), 8, colour_and_alpha, 0, 0, 0)
+    (HERE / name).write_bytes(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", head)
+                              + chunk(b"IDAT", zlib.compress(lines, 9)) + chunk(b"IEND", b""))
+
+
 # --- GIF -----------------------------------------------------------------------------------------
 
 
@@ -315,6 +331,7 @@ def about_picture(width, height, scale):
 
 if __name__ == "__main__":
     write_icon("quillmere.ico", [(32, 8), (16, 8), (48, 32), (32, 32), (24, 32), (16, 32)])
+    write_png("quillmere.png", icon_pixels(128))
     write_icon("tray.ico", [(16, 4)])
     write_icon("tray@2x.ico", [(32, 32)])
     write_gif("about.gif", about_picture(111, 98, 1))

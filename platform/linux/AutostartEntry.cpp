@@ -149,6 +149,13 @@ std::string CommandOf(std::string_view exec) {
   return command;
 }
 
+/// The picture beside the executable that bears its name, if there is one.
+std::string IconLine(const std::string& command) {
+  const std::string picture = command.substr(0, EndOfExecutable(command)) + ".png";
+  if (!IsPath(picture) || !IsOrdinaryFile(AT_FDCWD, picture.c_str())) return {};
+  return "Icon=" + TextEscaped(picture) + '\n';
+}
+
 /// A key of the file's main group, as it is stored.
 std::optional<std::string> EntryKey(const std::string& content, std::string_view key) {
   bool inside = false;
@@ -204,9 +211,9 @@ bool SetAutostartCommand(const std::string& name, const std::string& command) {
                      "Name=" +
                          TextEscaped(name) +
                          "\n"
+                         "Comment=Tells of every cookie file that is added, removed or modified\n"
                          "Exec=" +
-                         ExecOf(command) +
-                         "\n"
+                         ExecOf(command) + '\n' + IconLine(command) +
                          "Terminal=false\n"
                          "X-GNOME-Autostart-enabled=true\n");
 }

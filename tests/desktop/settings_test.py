@@ -2,8 +2,11 @@
 
 import os
 import signal
+from pathlib import Path
 
-from harness import DesktopTest, main, options, run, running, wait_until
+from gi.repository import GLib
+
+from harness import ROOT, DesktopTest, main, options, run, running, wait_until
 
 BOXES = {"Do not save log file": "Options", "Minimize to system tray": "Options",
          "Play sound when a new cookie file is added": "Sound",
@@ -63,6 +66,10 @@ class SettingsTest(DesktopTest):
     def check_autostart(self, program, entry):
         """The entry is valid, and what a desktop starts from it is this program, hidden."""
         run("desktop-file-validate", entry)
+        keys = GLib.KeyFile()
+        keys.load_from_file(str(entry), GLib.KeyFileFlags.NONE)
+        icon = keys.get_string("Desktop Entry", "Icon")
+        self.assertEqual(Path(icon).read_bytes(), (ROOT / "assets/quillmere.png").read_bytes())
         command = program.folder / "quillmere", "/1"
         self.desktop.start("gio", "launch", str(entry), env=program.env)
         pid, = wait_until(lambda: running(*command), f"{command} to run")

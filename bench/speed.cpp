@@ -127,8 +127,7 @@ void MeasureFill(const Request& asked, platform::ListView& list) {
   };
   SortColumn(list, 4);
   Print("rebuild, sorted",
-        TakeTurns(
-            asked.Rounds, [&] { return perRow(all); }, [&] { return perRow(tenth); }));
+        TakeTurns(asked.Rounds, [&] { return perRow(all); }, [&] { return perRow(tenth); }));
   list.Sorted(false);
 }
 

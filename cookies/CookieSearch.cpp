@@ -13,7 +13,7 @@ namespace {
 
 struct SearchField {
   const char* Name;
-  std::string CookieRow::*Text;
+  std::string CookieRow::* Text;
 };
 
 constexpr std::array<SearchField, 6> SearchFields = {{

@@ -13,7 +13,7 @@ namespace {
 
 struct Option {
   std::string_view Key;  // as written
-  bool PublicVariables::*Variable;
+  bool PublicVariables::* Variable;
   bool Default;
 };
 

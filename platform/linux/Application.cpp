@@ -44,11 +44,11 @@ void UnloadOnSignal(Form& form) {
     notifier->setEnabled(false);
     form.Unload();
   });
-  struct sigaction action {};
+  struct sigaction action{};
   action.sa_handler = NoteSignal;
   for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
     // A signal that whoever started the program had it ignore stays ignored, as under nohup.
-    struct sigaction before {};
+    struct sigaction before{};
     sigaction(signal, nullptr, &before);
     if (before.sa_handler != SIG_IGN) sigaction(signal, &action, nullptr);
   }
@@ -127,7 +127,7 @@ std::string Command() { return CommandLine(); }
 int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Form>()>& startUp) {
   for (int i = 1; i < argc; ++i) CommandLine() += (i > 1 ? " " : "") + std::string(argv[i]);
   // A file that may not grow is a write that fails. What the program starts has the usual handler.
-  struct sigaction nothing {};
+  struct sigaction nothing{};
   nothing.sa_handler = [](int) {};
   sigaction(SIGXFSZ, &nothing, nullptr);
   // The wait for a change listens to what Qt's GLib dispatcher waits for.

@@ -31,7 +31,7 @@ namespace {
 /// The abstract socket of the one viewer of the current folder on this display: such a name belongs
 /// to one process at a time and goes with it, however that ends.
 sockaddr_un ViewerName() {
-  struct stat folder {};
+  struct stat folder{};
   stat(".", &folder);
   std::string name = "quillmere-help " + std::to_string(getuid()) + ' ' +
                      std::to_string(folder.st_dev) + ' ' + std::to_string(folder.st_ino);

@@ -97,8 +97,7 @@ class LinesView : public QListView {
     lines_->Add(line);
     if (settleScheduled_) return;
     settleScheduled_ = true;
-    QMetaObject::invokeMethod(
-        this, [this] { Settle(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, [this] { Settle(); }, Qt::QueuedConnection);
   }
 
  protected:

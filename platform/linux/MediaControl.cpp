@@ -28,7 +28,7 @@ std::optional<std::string> PathAfter(std::string_view verb, std::string_view com
 
 /// A pipe or device of that name is not opened: its reader would wait for ever.
 bool IsReadableFile(const std::string& path) {
-  struct stat status {};
+  struct stat status{};
   return IsPath(path) && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
          access(path.c_str(), R_OK) == 0;
 }

@@ -38,8 +38,7 @@ class PopupPile {
   void ArrangeSoon() {
     if (arranging_) return;
     arranging_ = true;
-    QMetaObject::invokeMethod(
-        qApp, [this] { Arrange(); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(qApp, [this] { Arrange(); }, Qt::QueuedConnection);
   }
 
  private:

@@ -182,8 +182,7 @@ void ReportView::Write(int row, int cell, std::string_view text) {
 void ReportView::SettleLater() {
   if (settleScheduled_) return;
   settleScheduled_ = true;
-  QMetaObject::invokeMethod(
-      this, [this] { Settle(); }, Qt::QueuedConnection);
+  QMetaObject::invokeMethod(this, [this] { Settle(); }, Qt::QueuedConnection);
 }
 
 void ReportView::Settle() {

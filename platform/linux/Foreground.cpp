@@ -3,6 +3,7 @@
 #include <QApplication>
 
 #include "platform/Forms.h"
+#include "platform/linux/Handles.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {

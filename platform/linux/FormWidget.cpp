@@ -10,6 +10,7 @@
 
 #include "platform/linux/Foreground.h"
 #include "platform/linux/PopupPile.h"
+#include "platform/linux/ThemeColours.h"
 #include "platform/linux/Widgets.h"
 #include "platform/linux/XServer.h"
 

@@ -1,5 +1,6 @@
 #include "platform/ListView.h"
 
+#include "platform/linux/Handles.h"
 #include "platform/linux/ReportView.h"
 #include "platform/linux/Widgets.h"
 

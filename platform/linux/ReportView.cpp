@@ -1,7 +1,6 @@
 #include "platform/linux/ReportView.h"
 
 #include <algorithm>
-#include <numeric>
 #include <utility>
 
 #include <QAccessible>
@@ -10,79 +9,18 @@
 #include <QContextMenuEvent>
 #include <QHeaderView>
 #include <QHelpEvent>
-#include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
-#include <QToolTip>
 
+#include "platform/linux/ColumnHeaders.h"
+#include "platform/linux/CutText.h"
+#include "platform/linux/RowLook.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {
 
 namespace {
-
-class CellDelegate : public QStyledItemDelegate {
- public:
-  using QStyledItemDelegate::QStyledItemDelegate;
-
-  QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-    const QSize size = QStyledItemDelegate::sizeHint(option, index);
-    return {size.width(), ReportView::RowHeight(option.fontMetrics)};
-  }
-};
-
-/// After a sort a selection can consist of very many ranges. To find out what changed, the toolkit
-/// compares each old one with each new one; dropping all old ones first leaves nothing to compare.
-class RowSelection : public QItemSelectionModel {
- public:
-  using QItemSelectionModel::QItemSelectionModel;
-  using QItemSelectionModel::select;
-
-  void select(const QItemSelection& rows, SelectionFlags command) override {
-    constexpr int ManyRanges = 100;
-    QItemSelection ranges = selection();
-    const bool drops = (command & Clear) != 0;
-    if (ranges.size() <= ManyRanges || (!drops && (command & Current) != 0)) {
-      return QItemSelectionModel::select(rows, command);
-    }
-    QItemSelectionModel::select(QItemSelection(), Clear);
-    if (drops) return QItemSelectionModel::select(rows, command);
-    ranges.merge(WholeRows(rows), command);
-    SelectRanges(ranges);
-  }
-
-  /// Selects these when nothing is selected. A range that the user then draws up with Ctrl and
-  /// Shift joins them.
-  void SelectRanges(const QItemSelection& ranges) {
-    QItemSelectionModel::select(ranges, Select);
-    QItemSelectionModel::select(QItemSelection(), Select);
-  }
-
- private:
-  QItemSelection WholeRows(const QItemSelection& ranges) const {
-    QItemSelection rows;
-    const int lastColumn = model()->columnCount() - 1;
-    for (const QItemSelectionRange& range : ranges) {
-      rows.append(QItemSelectionRange(model()->index(range.top(), 0),
-                                      model()->index(range.bottom(), lastColumn)));
-    }
-    return rows;
-  }
-};
-
-/// Tells of the second of two quick clicks as well, and of the left button alone.
-class ColumnHeaders : public QHeaderView {
- public:
-  explicit ColumnHeaders(QWidget* parent) : QHeaderView(Qt::Horizontal, parent) {}
-
- protected:
-  void mouseDoubleClickEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::LeftButton) QHeaderView::mouseDoubleClickEvent(event);
-  }
-};
 
 bool IsInput(QEvent::Type type) {
   switch (type) {
@@ -112,10 +50,13 @@ int CharacterCode(const QKeyEvent& event) {
 }  // namespace
 
 ReportView::ReportView(QWidget* parent, ListView& owner, const std::vector<ColumnHeader>& columns)
-    : QTreeView(parent), owner_(owner), rows_(new ListViewModel(columns, this)) {
+    : QTreeView(parent),
+      owner_(owner),
+      rows_(new ListViewModel(columns, this)),
+      selection_(new RowSelection(rows_, this)) {
   setModel(rows_);
   QItemSelectionModel* standard = selectionModel();
-  setSelectionModel(new RowSelection(rows_, this));
+  setSelectionModel(selection_);
   delete standard;
   setItemDelegate(new CellDelegate(this));
   setRootIsDecorated(false);
@@ -133,11 +74,7 @@ ReportView::ReportView(QWidget* parent, ListView& owner, const std::vector<Colum
 
 void ReportView::SetUpHeader(const std::vector<ColumnHeader>& columns) {
   setHeader(new ColumnHeaders(this));
-  header()->setStretchLastSection(false);
-  header()->setSectionsMovable(true);
-  header()->setFirstSectionMovable(true);
-  header()->setSectionsClickable(true);
-  header()->setHighlightSections(false);
+  header()->setSectionsClickable(true);  // taken away by the view, which does not sort
   for (std::size_t i = 0; i < columns.size(); ++i) {
     header()->resizeSection(static_cast<int>(i), ToPixels(columns[i].Width));
   }
@@ -167,9 +104,7 @@ void ReportView::Remove(int row) {
 
 void ReportView::Clear() {
   rows_->Clear();
-  selected_.clear();
-  selectionRead_ = false;
-  selectionWritten_ = false;
+  selection_->Forget();
   verticalScrollBar()->setValue(0);
   horizontalScrollBar()->setValue(0);
 }
@@ -195,17 +130,15 @@ void ReportView::Settle() {
     Arrange(standing, static_cast<int>(top - standing.begin()));
   } else {
     rows_->Announce();
-    if (selectionWritten_) RestoreSelection(std::move(selected_));
+    selection_->Settle();
   }
   settling_ = false;
 }
 
 void ReportView::Arrange(const std::vector<std::uint32_t>& order, int top) {
-  ReadSelection();
   std::vector<bool> selected(order.size(), false);
-  for (std::size_t i = 0; i < order.size(); ++i) {
-    selected[i] = order[i] < selected_.size() && selected_[order[i]];
-  }
+  for (std::size_t i = 0; i < order.size(); ++i)
+    selected[i] = IsSelected(static_cast<int>(order[i]));
   const QModelIndex current = currentIndex();
   const auto was = static_cast<std::uint32_t>(current.row());
   auto now = std::find(order.begin(), order.end(), was);
@@ -215,7 +148,7 @@ void ReportView::Arrange(const std::vector<std::uint32_t>& order, int top) {
   const int sideways = horizontalScrollBar()->value();
 
   rows_->Arrange(order);
-  RestoreSelection(std::move(selected));
+  selection_->Restore(selected);
   if (current.isValid()) MakeCurrent(static_cast<int>(now - order.begin()), current.column());
   executeDelayedItemsLayout();
   verticalScrollBar()->setValue(top);
@@ -234,28 +167,10 @@ void ReportView::MakeCurrent(int row, int column) {
 
 // --- Selection ---------------------------------------------------------------------------------
 
-void ReportView::ReadSelection() const {
-  if (selectionRead_) return;
-  selected_.assign(static_cast<std::size_t>(rows_->rowCount()), false);
-  for (const QItemSelectionRange& range : selectionModel()->selection()) {
-    if (!range.isValid()) continue;
-    std::fill(selected_.begin() + range.top(), selected_.begin() + range.bottom() + 1, true);
-  }
-  selectionRead_ = true;
-}
-
-bool ReportView::IsSelected(int row) const {
-  ReadSelection();
-  return row >= 0 && row < static_cast<int>(selected_.size()) &&
-         selected_[static_cast<std::size_t>(row)];
-}
+bool ReportView::IsSelected(int row) const { return selection_->IsSelected(row); }
 
 void ReportView::Select(int row, bool selected) {
-  ReadSelection();
-  const auto index = static_cast<std::size_t>(row);
-  if (index >= selected_.size()) selected_.resize(index + 1, false);
-  selected_[index] = selected;
-  selectionWritten_ = true;
+  selection_->Select(row, selected);
   viewport()->update();
   SettleLater();
 }
@@ -263,29 +178,11 @@ void ReportView::Select(int row, bool selected) {
 int ReportView::SelectedRow() const {
   const int current = currentIndex().row();
   if (IsSelected(current) && !rows_->IsRemoved(current)) return current;
-  ReadSelection();
-  for (int row = 0; row < static_cast<int>(selected_.size()); ++row) {
-    if (selected_[static_cast<std::size_t>(row)] && !rows_->IsRemoved(row)) return row;
+  const std::vector<bool>& selected = selection_->Flags();
+  for (int row = 0; row < static_cast<int>(selected.size()); ++row) {
+    if (selected[static_cast<std::size_t>(row)] && !rows_->IsRemoved(row)) return row;
   }
   return -1;
-}
-
-void ReportView::RestoreSelection(std::vector<bool> selected) {
-  QItemSelection ranges;
-  const int lastColumn = rows_->columnCount() - 1;
-  for (auto end = selected.begin(); end != selected.end();) {
-    const auto begin = std::find(end, selected.end(), true);
-    if (begin == selected.end()) break;
-    end = std::find(begin, selected.end(), false);
-    const int first = static_cast<int>(begin - selected.begin());
-    const int last = static_cast<int>(end - selected.begin()) - 1;
-    ranges.append(QItemSelectionRange(rows_->index(first, 0), rows_->index(last, lastColumn)));
-  }
-  selectionWritten_ = false;
-  selectionRead_ = false;
-  if (selectionModel()->hasSelection())
-    selectionModel()->select(QItemSelection(), QItemSelectionModel::Clear);
-  if (!ranges.isEmpty()) static_cast<RowSelection*>(selectionModel())->SelectRanges(ranges);
 }
 
 QItemSelectionModel::SelectionFlags ReportView::selectionCommand(const QModelIndex& index,
@@ -316,7 +213,6 @@ void ReportView::dataChanged(const QModelIndex& first, const QModelIndex& last,
 
 void ReportView::selectionChanged(const QItemSelection& selected,
                                   const QItemSelection& deselected) {
-  selectionRead_ = false;
   viewport()->update();
   // The toolkit lists every cell of a change to name its first one to screen readers.
   const auto firstRow = [this](const QItemSelection& ranges) {
@@ -361,57 +257,17 @@ void ReportView::Style(std::uint32_t style) {
   viewport()->update();
 }
 
-int ReportView::RowHeight(const QFontMetrics& metrics) {
-  constexpr int Room = 4;  // a pixel above and below, the focus frame and the grid line
-  return metrics.height() + Room;
-}
-
 void ReportView::drawRow(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
-  const bool fullRow = (style_ & LVS_EX_FULLROWSELECT) != 0;
-  const bool selected = IsSelected(index.row());
-  const bool focused = hasFocus() && currentIndex().row() == index.row();
-  QStyleOptionViewItem cell = option;
-  cell.showDecorationSelected = true;
-  cell.state &= ~(QStyle::State_MouseOver | QStyle::State_HasFocus);
-  for (int column = 0; column < header()->count(); ++column) {
-    cell.rect = QRect(columnViewportPosition(column), option.rect.y(), columnWidth(column),
-                      option.rect.height());
-    if (!cell.rect.intersects(viewport()->rect())) continue;
-    const bool marked = fullRow || column == 0;
-    cell.state.setFlag(QStyle::State_Selected, selected && marked);
-    cell.state.setFlag(QStyle::State_HasFocus, focused && !fullRow && marked);
-    itemDelegate()->paint(painter, cell, index.sibling(index.row(), column));
-  }
-  if (!focused || !fullRow) return;
-  QStyleOptionFocusRect frame;
-  frame.initFrom(this);
-  frame.rect =
-      QRect(-header()->offset(), option.rect.y(), header()->length(), option.rect.height() - 1);
-  frame.state |= QStyle::State_KeyboardFocusChange | QStyle::State_HasFocus;
-  frame.backgroundColor = palette().color(selected ? QPalette::Highlight : QPalette::Base);
-  style()->drawPrimitive(QStyle::PE_FrameFocusRect, &frame, painter, this);
+  DrawRow(*painter, *this, option, index,
+          {.FullRow = (style_ & LVS_EX_FULLROWSELECT) != 0,
+           .Selected = IsSelected(index.row()),
+           .Current = hasFocus() && currentIndex().row() == index.row()});
 }
 
 void ReportView::paintEvent(QPaintEvent* event) {
   QTreeView::paintEvent(event);
-  if ((style_ & LVS_EX_GRIDLINES) != 0) DrawGrid();
-}
-
-void ReportView::DrawGrid() {
-  QStyleOptionViewItem option;
-  initViewItemOption(&option);
-  const int colour = style()->styleHint(QStyle::SH_Table_GridLineColor, &option, this);
-  QPainter painter(viewport());
-  painter.setPen(QColor::fromRgba(static_cast<QRgb>(colour)));
-  const int height = RowHeight(fontMetrics());
-  for (int y = height - 1; y < viewport()->height(); y += height) {
-    painter.drawLine(0, y, viewport()->width(), y);
-  }
-  for (int column = 0; column < header()->count(); ++column) {
-    const int x = columnViewportPosition(column) + columnWidth(column) - 1;
-    painter.drawLine(x, 0, x, viewport()->height());
-  }
+  if ((style_ & LVS_EX_GRIDLINES) != 0) DrawGrid(*this);
 }
 
 bool ReportView::ShowToolTip(const QPoint& at, const QPoint& global) {
@@ -420,18 +276,8 @@ bool ReportView::ShowToolTip(const QPoint& at, const QPoint& global) {
   QString text = index.data().toString();
   if (text.size() == ListViewModel::MostShown) text += QChar(u'\u2026');
   const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-  if (!index.isValid() || fontMetrics().horizontalAdvance(text) <= cell.width() - 2 * margin) {
-    QToolTip::hideText();
-    return true;
-  }
-  // Left to itself the tooltip would read markup out of the text, and be as wide as it is long.
-  constexpr int CharactersPerLine = 100;
-  QStringList lines;
-  for (int i = 0; i < text.size(); i += CharactersPerLine) {
-    lines.append(text.mid(i, CharactersPerLine).toHtmlEscaped());
-  }
-  const QString page = QStringLiteral("<p style='white-space:pre'>%1</p>").arg(lines.join('\n'));
-  QToolTip::showText(global, page, viewport(), cell);
+  const bool fits = fontMetrics().horizontalAdvance(text) <= cell.width() - 2 * margin;
+  ShowWholeText(fits ? QString() : text, global, *viewport(), cell);
   return true;
 }
 
@@ -467,24 +313,12 @@ void ReportView::keyPressEvent(QKeyEvent* event) {
 }
 
 void ReportView::keyboardSearch(const QString& typed) {
-  const bool goesOn =
-      typedAt_.isValid() && typedAt_.elapsed() <= QApplication::keyboardInputInterval();
-  typedAt_.start();
-  const bool again = goesOn && typed_ == typed;  // the same letter again: its next row
-  if (!goesOn) typed_.clear();
-  if (!again) typed_ += typed;
-
-  const int count = rows_->rowCount();
   const int current = currentIndex().row();
-  const bool staysOnMatch = goesOn && !again;
-  const int start = std::max(0, staysOnMatch || !IsSelected(current) ? current : current + 1);
-  for (int i = 0; i < count; ++i) {
-    const QModelIndex index = rows_->index((start + i) % count, 0);
-    if (!index.data().toString().startsWith(typed_, Qt::CaseInsensitive)) continue;
-    selectionModel()->setCurrentIndex(
-        index, QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
-    return;
-  }
+  const int row = typed_.Find(typed, rows_->rowCount(), current, IsSelected(current),
+                              [this](int at) { return rows_->index(at, 0).data().toString(); });
+  if (row < 0) return;
+  selectionModel()->setCurrentIndex(
+      rows_->index(row, 0), QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
 }
 
 void ReportView::mousePressEvent(QMouseEvent* event) {
@@ -527,7 +361,6 @@ void ReportView::RaiseMouseUp(Qt::MouseButton button) {
 }
 
 void ReportView::CopySelected() const {
-  ReadSelection();
   QString text;
   for (int row = 0; row < rows_->rowCount(); ++row) {
     if (!IsSelected(row)) continue;

@@ -3,11 +3,12 @@
 #include <cstdint>
 #include <vector>
 
-#include <QElapsedTimer>
 #include <QTreeView>
 
 #include "platform/ListView.h"
 #include "platform/linux/ListViewModel.h"
+#include "platform/linux/RowSelection.h"
+#include "platform/linux/TypedSearch.h"
 
 namespace platform {
 
@@ -43,8 +44,6 @@ class ReportView : public QTreeView {
   void Settle();
 
   void keyboardSearch(const QString& typed) override;
-  /// Of a row; shared with the cells' delegate.
-  static int RowHeight(const QFontMetrics& metrics);
 
  protected:
   bool event(QEvent* event) override;
@@ -71,35 +70,26 @@ class ReportView : public QTreeView {
   /// Puts rows into a new order, or drops some; selection, current row and sideways scroll position
   /// follow. `top` is the row then on top.
   void Arrange(const std::vector<std::uint32_t>& order, int top);
-  void RestoreSelection(std::vector<bool> selected);
   void MakeCurrent(int row, int column);
-  void ReadSelection() const;
   void ShowSortArrow();
   /// Makes the row under the pointer the current one and sees that it is selected.
   void SelectUnder(const QMouseEvent& event);
   void RaiseMouseUp(Qt::MouseButton button);
   void CopySelected() const;
   bool ShowToolTip(const QPoint& at, const QPoint& global);
-  void DrawGrid();
 
   ListView& owner_;
   ListViewModel* rows_;
+  RowSelection* selection_;
   bool settleScheduled_ = false;
   bool settling_ = false;
-
-  // The selection, one flag each row: a copy for quick reading, which the selection model brings up
-  // to date; or, while `selectionWritten_`, what that model is about to be told.
-  mutable std::vector<bool> selected_;
-  mutable bool selectionRead_ = false;
-  bool selectionWritten_ = false;
 
   int sortKey_ = 0;
   int sortOrder_ = lvwAscending;
   bool sorted_ = false;
   std::uint32_t style_ = 0;
 
-  QString typed_;
-  QElapsedTimer typedAt_;
+  TypedSearch typed_;
 };
 
 }  // namespace platform

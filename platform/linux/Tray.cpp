@@ -13,6 +13,7 @@
 
 #include "platform/Forms.h"
 #include "platform/Shell.h"
+#include "platform/linux/Handles.h"
 #include "platform/linux/Widgets.h"
 #include "platform/linux/XServer.h"
 

@@ -1,12 +1,9 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <string_view>
 
-#include <QColor>
 #include <QGuiApplication>
-#include <QIcon>
 #include <QPoint>
 #include <QScreen>
 #include <QString>
@@ -44,17 +41,5 @@ inline std::string ToText(const QString& text) { return text.toStdString(); }
 
 /// The process is on its way out and must hand out no more events.
 inline bool ProcessEnds = false;
-
-/// The control that `Control::hWnd` numbered, or none.
-Control* ControlByHandle(std::uint32_t handle);
-
-/// The picture that `Image::Picture` numbered; a null icon for none.
-QIcon PictureByHandle(std::uint32_t handle);
-
-/// Gives the controls of a window the theme's present colours where they have colours of the theme.
-void RenewThemeColours(const QWidget& window);
-
-/// A colour that stays readable as text on `background`: `wanted`, or a lighter shade of it.
-QColor ReadableOn(const QColor& wanted, const QColor& background);
 
 }  // namespace platform

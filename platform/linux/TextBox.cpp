@@ -1,0 +1,62 @@
+#include <QKeyEvent>
+#include <QLineEdit>
+
+#include "platform/Forms.h"
+#include "platform/linux/LinesEdit.h"
+#include "platform/linux/ListText.h"
+#include "platform/linux/Widgets.h"
+
+namespace platform {
+
+namespace {
+
+class LineEdit : public QLineEdit {
+ public:
+  LineEdit(QWidget* parent, TextBox& owner) : QLineEdit(parent), owner_(owner) {}
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    constexpr int Enter = 13;
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const int code = isEnter ? Enter : event->text().isEmpty() ? 0 : event->text().at(0).unicode();
+    if (code != 0 && owner_.KeyPress) owner_.KeyPress(code);
+    QLineEdit::keyPressEvent(event);
+  }
+
+ private:
+  TextBox& owner_;
+};
+
+NativeWidget* NewTextBox(Container& parent, TextBox& owner, TextBox::Kind kind) {
+  if (kind == TextBox::Kind::OneLine) return Native(new LineEdit(Widget(parent), owner));
+  return Native(new LinesEdit(Widget(parent)));
+}
+
+}  // namespace
+
+TextBox::TextBox(Container& parent, const Design& design, Kind kind)
+    : Control(parent, design, NewTextBox(parent, *this, kind)) {}
+
+std::string TextBox::Text() const {
+  if (const auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) return ToText(line->text());
+  return ToText(static_cast<LinesEdit*>(Widget(*this))->Lines());
+}
+
+void TextBox::Text(std::string_view text) {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
+    line->setText(FromText(text));
+    line->setCursorPosition(0);
+  } else {
+    static_cast<LinesEdit*>(Widget(*this))->SetLines(DisplayLines(text));
+  }
+}
+
+void TextBox::Locked(bool readOnly) {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
+    line->setReadOnly(readOnly);
+  } else {
+    static_cast<LinesEdit*>(Widget(*this))->setReadOnly(readOnly);
+  }
+}
+
+}  // namespace platform

@@ -5,33 +5,8 @@ import time
 
 from harness import (DesktopTest, act_until, double_click, end_process, front, key, main, options,
                      run, viewers, wait_until)
+from embedding_host import EmbeddingTray
 from notifier_host import NotifierTray
-
-
-class EmbeddingTray:
-    """A tray of the older kind; it is used with the mouse."""
-
-    def __init__(self, desktop):
-        self.process = desktop.start("trayer", "--edge", "bottom", "--align", "left", "--widthtype",
-                                     "request", "--height", "24", "--expand", "false")
-
-    def tree(self):  # it cannot be read while a window goes
-        return wait_until(lambda: run("xwininfo", "-root", "-tree", check=False), "the windows")
-
-    def is_up(self):
-        return '"panel" "trayer"' in self.tree()
-
-    def items(self):
-        """Where the icons are: the program's windows of an icon's size in the lower part."""
-        found = re.findall(r'"quillmere" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n',
-                           self.tree())
-        return [(int(left) + 5, int(top) + 5) for left, top in found]
-
-    def click(self, button=1):
-        run("xdotool", "mousemove", *self.items()[0], "click", button)
-
-    def double_click(self):
-        double_click(*self.items()[0])
 
 
 class TrayTest(DesktopTest):

@@ -1,13 +1,9 @@
 #include "cookies/CookieFileReader.h"
 
-#include <algorithm>
-#include <charconv>
 #include <cmath>
 #include <cstdint>
 #include <limits>
-#include <locale>
 #include <new>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
@@ -16,34 +12,13 @@
 #include "platform/FileSearch.h"
 #include "platform/Files.h"
 #include "platform/Regional.h"
+#include "platform/Texts.h"
 
 namespace {
 
 constexpr std::size_t LinesOfRecord = 9;
 constexpr const char* NoDate = "-";
 constexpr unsigned LastYear = 9999;
-
-bool IsDigit(char c) { return c >= '0' && c <= '9'; }
-
-/// The number that a text begins with: blanks, a sign, digits with decimals, an exponent; 0 if
-/// there is none.
-double LeadingNumber(std::string_view text) {
-  text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-  const bool negative = text.starts_with('-');
-  if (negative || text.starts_with('+')) text.remove_prefix(1);
-  const std::size_t digit = text.starts_with('.') ? 1 : 0;
-  if (digit >= text.size() || !IsDigit(text[digit])) return 0;
-
-  double number = 0;
-  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
-  if (error == std::errc::result_out_of_range) {
-    // Too large or too small for a double, and from_chars does not say which. A stream does.
-    std::istringstream digits(std::string(text.data(), end));
-    digits.imbue(std::locale::classic());
-    digits >> number;
-  }
-  return negative ? -number : number;
-}
 
 using Pieces = std::vector<std::string_view>;
 
@@ -124,7 +99,7 @@ std::vector<std::string_view> SplitText(std::string_view Text, std::string_view 
 
 std::string ExpireDateText(std::string_view HighWord) {
   // The default rounding takes a tie to the even neighbour.
-  const double number = std::nearbyint(LeadingNumber(HighWord));
+  const double number = std::nearbyint(platform::LeadingNumber(HighWord));
   if (number < std::numeric_limits<std::int32_t>::min() ||
       number > std::numeric_limits<std::int32_t>::max()) {
     return NoDate;

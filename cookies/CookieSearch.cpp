@@ -8,6 +8,7 @@
 #include "cookies/modSortListView.h"
 #include "core/PublicDim.h"
 #include "platform/Regional.h"
+#include "platform/Texts.h"
 
 namespace {
 
@@ -25,12 +26,6 @@ constexpr std::array<SearchField, 6> SearchFields = {{
     {"Modified", &CookieRow::Modified},
 }};
 
-std::string_view Trim(std::string_view text) {
-  const std::size_t first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 }  // namespace
 
 std::vector<std::string> SearchFieldNames() {
@@ -43,7 +38,7 @@ std::vector<std::string> SearchFieldNames() {
 void SearchCookies(platform::TextBox& TextSearch, int Field, platform::ListView& ListVSearch) {
   ListVSearch.Clear();
   const std::string entered = TextSearch.Text();
-  const std::string_view wanted = Trim(entered);
+  const std::string_view wanted = platform::Trimmed(entered);
   TextSearch.Text(wanted);
   const auto field = static_cast<std::size_t>(Field);
   if (wanted.empty() || field >= SearchFields.size()) return;

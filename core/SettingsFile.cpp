@@ -8,6 +8,7 @@
 #include "core/PublicDim.h"
 #include "platform/Files.h"
 #include "platform/Regional.h"
+#include "platform/Texts.h"
 
 namespace {
 
@@ -33,9 +34,7 @@ bool IsWord(std::string_view text, std::string_view word) {
 
 /// The words True and False in any case, or a number; blanks around either count as not there.
 std::optional<bool> BooleanFromText(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return std::nullopt;
-  text = text.substr(first, text.find_last_not_of(' ') - first + 1);
+  text = platform::Trimmed(text);
   if (IsWord(text, "True")) return true;
   if (IsWord(text, "False")) return false;
   if (platform::IsNumeric(text)) return platform::CDbl(text) != 0;

@@ -52,8 +52,8 @@ class TextSearch {
   std::string folded_;
 };
 
-/// Bytes of a text file as text: UTF-8 as it stands, anything else read as Windows-1252. Every byte
-/// comes through, NUL too.
+/// Bytes of a text file as text: UTF-8 as it stands, anything else by the code page that texts on
+/// this machine had before UTF-8. No byte is lost, NUL neither.
 std::string TextFromCodePage(std::string bytes);
 
 }  // namespace platform

@@ -17,6 +17,7 @@
 #include "monitor/WatchFunc.h"
 #include "platform/Application.h"
 #include "platform/Shell.h"
+#include "platform/Texts.h"
 #include "report/ChangeReports.h"
 #include "report/PlaySoundFile.h"
 #include "ui/FormMain.h"
@@ -33,19 +34,13 @@ constexpr int CookieNameField = 2;  // entry of Combo1
 constexpr std::int32_t CookieList = 1;
 constexpr std::int32_t SearchList = 2;
 
-std::string_view Trimmed(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 }  // namespace
 
 // --- Birth and death -----------------------------------------------------------------------------
 
 void FormMain::Form_Load() {
   const std::string command = platform::Command();
-  if (Trimmed(command) == "/1") StartHidden = true;
+  if (platform::Trimmed(command) == "/1") StartHidden = true;
   ResolveProgramFolders();
   PublicDim.MsgEnabled = true;
   ResolveShellFolders(hWnd());

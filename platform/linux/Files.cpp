@@ -9,7 +9,6 @@
 #include <optional>
 #include <string_view>
 #include <system_error>
-#include <utility>
 #include <vector>
 
 #include "platform/linux/Paths.h"
@@ -267,16 +266,6 @@ InputFile::InputFile(const std::string& path) {
   }
   open_ = got == 0;
   if (!open_) content_ = {};
-}
-
-std::string InputFile::LineInput() {
-  if (EndOfFile()) return {};
-  const std::size_t end = content_.find('\r', position_);
-  if (end == std::string::npos && position_ == 0) return std::exchange(content_, {});
-  std::string line = content_.substr(position_, end - position_);
-  position_ += line.size() + 1;
-  if (position_ < content_.size() && content_[position_] == '\n') ++position_;
-  return line;
 }
 
 bool ReplaceFile(const std::string& path, std::string_view content) {

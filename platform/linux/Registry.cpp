@@ -10,6 +10,7 @@
 
 #include "platform/Files.h"
 #include "platform/Regional.h"
+#include "platform/Texts.h"
 #include "platform/common/HandleTable.h"
 #include "platform/linux/AutostartEntry.h"
 #include "platform/linux/Paths.h"
@@ -43,12 +44,7 @@ bool SameName(std::string_view one, std::string_view other) {
   return FoldCase(one) == FoldCase(other);
 }
 
-std::string_view Trimmed(std::string_view text) {
-  constexpr std::string_view Blanks = " \t";
-  const std::size_t first = text.find_first_not_of(Blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(Blanks) - first + 1);
-}
+constexpr std::string_view Blanks = " \t";
 
 std::string ByteEscape(char byte) {
   constexpr std::string_view Digits = "0123456789abcdef";
@@ -97,7 +93,7 @@ std::string NormalPath(std::string path) {
 }
 
 std::optional<std::string> SectionOf(std::string_view line) {
-  line = Trimmed(line);
+  line = Trimmed(line, Blanks);
   if (!line.starts_with('[') || !line.ends_with(']')) return std::nullopt;
   return NormalPath(std::string(line.substr(1, line.size() - 2)));
 }
@@ -105,7 +101,7 @@ std::optional<std::string> SectionOf(std::string_view line) {
 /// The name of a value line, still escaped, and where its text begins.
 std::optional<std::pair<std::string_view, std::string_view>> SplitValueLine(std::string_view line) {
   const std::size_t equals = line.find('=');
-  const std::string_view name = Trimmed(line.substr(0, equals));
+  const std::string_view name = Trimmed(line.substr(0, equals), Blanks);
   if (equals == std::string_view::npos || name.starts_with(';') || name.starts_with('#')) {
     return std::nullopt;
   }
@@ -123,7 +119,7 @@ std::string LineOf(const std::string& name, const Value& value) {
 }
 
 std::optional<Value> ValueOf(std::string_view text) {
-  text = Trimmed(text);
+  text = Trimmed(text, Blanks);
   if (!text.starts_with("dword:")) {
     if (text.starts_with("sz:")) text.remove_prefix(3);
     return Value{REG_SZ, Unescaped(text)};

@@ -10,20 +10,11 @@
 #include <QWidget>
 
 #include "platform/Forms.h"
+#include "platform/common/Twips.h"
 
 // What the control implementations share: the way from a handle to its widget and back.
 
 namespace platform {
-
-/// A twip is 1/1440 inch and a device independent pixel 1/96 inch, at any scale of the screen.
-inline constexpr int TwipsPerPixel = 15;
-
-/// To the nearest pixel.
-constexpr int ToPixels(int twips) {
-  return twips >= 0 ? (twips + TwipsPerPixel / 2) / TwipsPerPixel
-                    : (twips - TwipsPerPixel / 2) / TwipsPerPixel;
-}
-constexpr int ToTwips(int pixels) { return pixels * TwipsPerPixel; }
 
 inline QWidget* Widget(NativeWidget* native) { return reinterpret_cast<QWidget*>(native); }
 inline QWidget* Widget(const Control& control) { return Widget(control.Native()); }

@@ -1,7 +1,7 @@
-#include <array>
-#include <utility>
+#include "platform/common/CodePage.h"
 
-#include "platform/Regional.h"
+#include <array>
+
 #include "platform/common/Utf8.h"
 
 namespace platform {
@@ -15,8 +15,7 @@ constexpr std::array<char16_t, 32> UpperControls = {
 
 }  // namespace
 
-std::string TextFromCodePage(std::string bytes) {
-  if (IsUtf8(bytes)) return bytes;
+std::string TextFromWindows1252(std::string_view bytes) {
   std::string text;
   text.reserve(bytes.size() + bytes.size() / 4);
   for (const char byte : bytes) {

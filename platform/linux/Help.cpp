@@ -18,10 +18,6 @@ std::string HelpFolder(const std::string& path) {
   return IsPath(path) && path.ends_with(ending) ? path.substr(0, path.size() - ending.size()) : "";
 }
 
-bool CanBeRead(const std::string& path) {
-  return IsOrdinaryFile(AT_FDCWD, path.c_str()) && access(path.c_str(), R_OK) == 0;
-}
-
 /// Starts a program that is on its own from then on: in no terminal and no session of ours, and the
 /// child of a process that is gone, so that it outlives this one and leaves nothing here to reap.
 bool StartApart(const std::string& program, const std::string& argument) {

@@ -3,8 +3,6 @@
 #include <optional>
 #include <set>
 #include <string_view>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "platform/linux/Paths.h"
 #include "platform/linux/SoundPlayer.h"
@@ -26,32 +24,25 @@ std::optional<std::string> PathAfter(std::string_view verb, std::string_view com
   return std::string(command.substr(1, command.size() - 2));
 }
 
-/// A pipe or device of that name is not opened: its reader would wait for ever.
-bool IsReadableFile(const std::string& path) {
-  struct stat status{};
-  return IsPath(path) && stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
-         access(path.c_str(), R_OK) == 0;
-}
-
 std::set<std::string>& OpenDevices() {
   static std::set<std::string> devices;
   return devices;
 }
 
 std::uint32_t Open(const std::string& path) {
-  if (!IsReadableFile(path)) return MCIERR_FILE_NOT_FOUND;
+  if (!IsPath(path) || !CanBeRead(path)) return MCIERR_FILE_NOT_FOUND;
   return OpenDevices().insert(path).second ? 0 : MCIERR_DUPLICATE_ALIAS;
 }
 
 std::uint32_t Play(const std::string& path) {
   if (!OpenDevices().contains(path)) return MCIERR_INVALID_DEVICE_NAME;
-  SoundPlayer::Instance().Play(path);
+  StartSound(path);
   return 0;
 }
 
 std::uint32_t Close(const std::string& path) {
   if (OpenDevices().erase(path) == 0) return MCIERR_INVALID_DEVICE_NAME;
-  SoundPlayer::Instance().Stop(path);
+  StopSound(path);
   return 0;
 }
 

@@ -104,6 +104,10 @@ inline bool IsOrdinaryFile(int folder, const char* name, unsigned char type = DT
   return fstatat(folder, name, &info, 0) == 0 && S_ISREG(info.st_mode);
 }
 
+inline bool CanBeRead(const std::string& path) {
+  return IsOrdinaryFile(AT_FDCWD, path.c_str()) && access(path.c_str(), R_OK) == 0;
+}
+
 inline constexpr off_t LongestText = 0x7FFFFFFF;
 
 /// Opens what was an ordinary file at the last look; nothing where anything else has taken its name

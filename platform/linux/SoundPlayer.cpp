@@ -1,133 +1,68 @@
 #include "platform/linux/SoundPlayer.h"
 
-#include <algorithm>
-#include <chrono>
+#include <map>
+#include <mutex>
+#include <system_error>
+#include <thread>
 #include <utility>
 
-#include <QAbstractEventDispatcher>
-#include <QAudioDevice>
-#include <QCoreApplication>
-#include <QDateTime>
-#include <QDeadlineTimer>
-#include <QFile>
-#include <QFileInfo>
-#include <QMediaDevices>
-#include <QSoundEffect>
-#include <QThread>
-#include <QUrl>
-
 #include "platform/linux/SoundServer.h"
-
-using namespace std::chrono_literals;
 
 namespace platform {
 
 namespace {
 
-/// What a loaded sound was made from and for; when it changes, the sound is loaded anew.
-struct Origin {
-  QDateTime Modified;
-  qint64 Size = 0;
-  QByteArray Device;
-  bool operator==(const Origin&) const = default;
-};
+enum class Wish { Play, Stop };
 
-struct LoadedSound {
-  Origin From;
-  std::unique_ptr<QSoundEffect> Sound;
-};
-
-}  // namespace
-
-class SoundPlayer::Worker : public QObject {
+class SoundThread {
  public:
-  explicit Worker(SoundPlayer& player) : player_(player) {}
-
-  void Begin() {
-    connect(QAbstractEventDispatcher::instance(), &QAbstractEventDispatcher::aboutToBlock, this,
-            &Worker::AwaitLostServer);
+  SoundThread() {
+    try {
+      std::thread(&SoundThread::Run, this).detach();
+    } catch (const std::system_error&) {
+      // There is no room for a thread: silence.
+    }
   }
 
-  void CarryOut() {
-    for (const auto& [path, wish] : player_.TakeWishes()) {
-      const auto loaded = sounds_.find(path);
-      if (loaded != sounds_.end()) loaded->second.Sound->stop();
-      if (wish == Wish::Play && HasOutput()) Play(path);
+  void Note(const std::string& path, Wish wish) {
+    {
+      const std::lock_guard lock(mutex_);
+      wishes_[path] = wish;
+      if (std::exchange(awake_, true)) return;
     }
+    server_.Wake();
   }
 
  private:
-  /// When its server goes, the toolkit sets a timer, tries once to reach it again, and is silent
-  /// for good when that fails. So the thread, and with it the timer, stands still meanwhile.
-  void AwaitLostServer() {
-    const QObjectList& timers = QAbstractEventDispatcher::instance()->children();
-    if (std::none_of(timers.begin(), timers.end(),
-                     [](const QObject* timer) { return timer->inherits("QSingleShotTimer"); })) {
-      return;
+  void Run() {
+    while (server_.Serve()) {
+      for (const auto& [path, wish] : TakeWishes()) {
+        wish == Wish::Play ? server_.Play(path) : server_.Stop(path);
+      }
     }
-    while (!SoundServerAnswers(2s)) QThread::sleep(1);
-    player_.TakeWishes();  // their moment has passed
   }
 
-  bool HasOutput() {
-    if (!reached_ && notBefore_.hasExpired()) {
-      reached_ = SoundServerAnswers(2s);
-      notBefore_.setRemainingTime(1s);
-    }
-    return reached_ && !QMediaDevices::defaultAudioOutput().isNull();
+  std::map<std::string, Wish> TakeWishes() {
+    const std::lock_guard lock(mutex_);
+    awake_ = false;
+    return std::exchange(wishes_, {});
   }
 
-  void Play(const std::string& path) {
-    const QString name = QFile::decodeName(path.c_str());
-    const QFileInfo file(name);
-    const Origin now{file.lastModified(), file.size(), QMediaDevices::defaultAudioOutput().id()};
-    LoadedSound& loaded = sounds_[path];
-    if (!loaded.Sound || loaded.From != now) {
-      // The toolkit shares what it has read of a file among its users: the old one must go first.
-      loaded.Sound.reset();
-      loaded = {now, std::make_unique<QSoundEffect>()};
-      loaded.Sound->setSource(QUrl::fromLocalFile(name));
-    }
-    loaded.Sound->play();
-  }
-
-  SoundPlayer& player_;
-  std::map<std::string, LoadedSound> sounds_;
-  bool reached_ = false;
-  QDeadlineTimer notBefore_;
+  std::mutex mutex_;
+  std::map<std::string, Wish> wishes_;  ///< The latest for each file; older ones are folded in.
+  bool awake_ = false;                  ///< The wait has been ended for what is in `wishes_`.
+  SoundServer server_;
 };
 
-SoundPlayer& SoundPlayer::Instance() {
-  static auto* player = new SoundPlayer;  // outlives every thread that may still use it
-  return *player;
+/// Never freed: its thread goes with the process.
+SoundThread& Thread() {
+  static auto* const thread = new SoundThread;
+  return *thread;
 }
 
-SoundPlayer::SoundPlayer() : thread_(new QThread), worker_(new Worker(*this)) {
-  worker_->moveToThread(thread_);
-  QObject::connect(thread_, &QThread::started, worker_, &Worker::Begin);
-  QObject::connect(thread_, &QThread::finished, worker_, &QObject::deleteLater);
-  thread_->start(QThread::LowPriority);
-  qAddPostRoutine([] { Instance().End(); });
-}
+}  // namespace
 
-void SoundPlayer::End() {
-  thread_->quit();
-  if (thread_->wait(500)) delete thread_;
-}
-
-void SoundPlayer::Play(const std::string& path) { Note(path, Wish::Play); }
-void SoundPlayer::Stop(const std::string& path) { Note(path, Wish::Stop); }
-
-void SoundPlayer::Note(const std::string& path, Wish wish) {
-  const std::lock_guard lock(mutex_);
-  const bool idle = wishes_.empty();
-  wishes_[path] = wish;
-  if (idle) QMetaObject::invokeMethod(worker_, &Worker::CarryOut, Qt::QueuedConnection);
-}
-
-std::map<std::string, SoundPlayer::Wish> SoundPlayer::TakeWishes() {
-  const std::lock_guard lock(mutex_);
-  return std::exchange(wishes_, {});
-}
+void StartSound(const std::string& path) { Thread().Note(path, Wish::Play); }
+void StopSound(const std::string& path) { Thread().Note(path, Wish::Stop); }
 
 }  // namespace platform

@@ -326,7 +326,6 @@ class FaultsTest(DesktopTest):
         server.kill()
         server.wait()
         self.assertFalse(heard())
-        time.sleep(2.5)  # the toolkit tries again after three seconds
         self.desktop.start_sound_server()
         wait_until(heard, "the sound after the return")
         self.check_end(program)

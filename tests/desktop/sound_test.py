@@ -2,7 +2,9 @@
 
 import array
 import cmath
+import os
 import socket
+import struct
 
 from harness import DesktopTest, cookies, main, options, wait_until
 
@@ -19,6 +21,16 @@ def hears(samples, sound):
     return any(abs(sum(sample * cmath.exp(2j * cmath.pi * note * i / RATE)
                        for i, sample in enumerate(samples[at:at + WINDOW]))) > LOUD * WINDOW
                for at in range(0, len(samples) - WINDOW, WINDOW) for note in NOTES[sound])
+
+
+def make_float_stereo(path):
+    """Of a sound of one channel in whole numbers: the other form that editors write, with a chunk
+    that no player knows in front."""
+    samples = array.array("h", path.read_bytes()[44:])
+    data = array.array("f", (sample / 32768 for sample in samples for _ in "LR")).tobytes()
+    form = struct.pack("<HHIIHHHHIH14x", 0xFFFE, 2, 44100, 44100 * 8, 8, 32, 22, 32, 3, 3)
+    path.write_bytes(b"RIFF\0\0\0\0WAVEnote\3\0\0\0abc\0fmt " + struct.pack("<I", len(form)) + form
+                     + b"data" + struct.pack("<I", len(data)) + data)
 
 
 class SoundTest(DesktopTest):
@@ -56,7 +68,8 @@ class SoundTest(DesktopTest):
     def test_road_of_one_event(self):
         """A new cookie file: log, popup, sound, log file, list, and a search that finds it."""
         program = self.program(config=BOTH, env=self.server)
-        program.folder = program.folder.rename(program.folder.with_name('my "own" app'))
+        program.folder = program.folder.rename(program.folder.with_name(
+            os.fsdecode(b'my "own" \xff app')))
         program.start()
         file, other = program.cookies / "jane[1].txt", program.cookies / "jane[2].txt"
         content = cookies("UserPassword", "id")
@@ -81,8 +94,10 @@ class SoundTest(DesktopTest):
         program.select_tab("Sound")
         program.tick("Play sound when a cookie file is removed")
         buttons = sorted(program.controls("push button", "Play"), key=lambda b: b.place()[1])
-        for button, sound in zip(buttons, NOTES):
+        for button, sound in 6 * [*zip(buttons, NOTES)]:
             self.check_heard([sound], button.click)
+        make_float_stereo(program.folder / "sound/1.wav")
+        self.check_heard(["added"], buttons[0].click)
         (program.folder / "sound/1.wav").unlink()
         (program.folder / "sound/2.wav").write_text("no sound at all")
         for button in buttons:

@@ -10,13 +10,8 @@
 
 static std::vector<std::string> asked;
 
-platform::SoundPlayer& platform::SoundPlayer::Instance() {
-  static SoundPlayer player;
-  return player;
-}
-platform::SoundPlayer::SoundPlayer() : thread_(nullptr), worker_(nullptr) {}
-void platform::SoundPlayer::Play(const std::string& path) { asked.push_back("play " + path); }
-void platform::SoundPlayer::Stop(const std::string& path) { asked.push_back("close " + path); }
+void platform::StartSound(const std::string& path) { asked.push_back("play " + path); }
+void platform::StopSound(const std::string& path) { asked.push_back("close " + path); }
 
 namespace {
 

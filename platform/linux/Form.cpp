@@ -13,7 +13,7 @@
 #include "platform/Forms.h"
 #include "platform/linux/FormWidget.h"
 #include "platform/linux/Handles.h"
-#include "platform/linux/PopupPile.h"
+#include "platform/linux/PopupWindows.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {

@@ -9,7 +9,6 @@
 #include <QWindow>
 
 #include "platform/linux/Foreground.h"
-#include "platform/linux/PopupPile.h"
 #include "platform/linux/ThemeColours.h"
 #include "platform/linux/Widgets.h"
 #include "platform/linux/XServer.h"
@@ -49,8 +48,6 @@ void FormWidget::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (form_) form_->Unload();
 }
-
-void FormWidget::moveEvent(QMoveEvent*) { MovedOnPile(*this); }
 
 void FormWidget::resizeEvent(QResizeEvent*) {
   if (form_) form_->Form_Resize();

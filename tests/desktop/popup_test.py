@@ -11,7 +11,7 @@ CLIENT = (3435 // TWIPS_PER_PIXEL, 1365 // TWIPS_PER_PIXEL)
 # Its outer size counts 120 x 420 twips of frame, whatever is drawn.
 CORNER = (round((1280 * 15 - 3435 - 120 - 35) / TWIPS_PER_PIXEL),
           round((1024 * 15 - 1365 - 420 - 450) / TWIPS_PER_PIXEL))
-MOST_WINDOWS = 60
+MOST_AT_ONE_PLACE, MOST_WINDOWS = 16, 60
 POPUPS_MEGABYTES, LISTS_MEGABYTES = 100, 15  # at most; what stays is the log's and the lists'
 
 
@@ -58,9 +58,11 @@ class PopupTest(DesktopTest):
             self.wait_for_equal(lambda: len(program.windows("Quillmere")), left)
         self.assertGreater(time.monotonic() - start, 6)  # at its sixth tick each closes by itself
 
+    @under("openbox", "xfwm4", "metacity", "icewm", "fluxbox")
     def test_keys_stay_where_they_are(self):
         """While popups open and close, every key reaches the window that the user types in."""
         program = self.started(config=SAVE_LOG)
+        wait_until(lambda: front() == program.find_window(), "the window, which takes the keys")
         output = program.folder.parent / "keys"
         with open(output, "w") as file:
             tester = self.desktop.start("xev", "-event", "keyboard", stdout=file)
@@ -78,6 +80,25 @@ class PopupTest(DesktopTest):
             r"KeyPress event.*?XLookupString gives 1 bytes: \(\w+\) \"(\w)\"",
             output.read_text(), re.DOTALL)), letters * 8)
         self.assertEqual(front(), typing)
+
+    @under("openbox", "metacity")
+    def test_pile(self):
+        """Of forty at once the newest are shown, each once, the newest of all on top."""
+        program = self.started(config=SAVE_LOG, accessible=False)
+        wait_until(program.mapped, "the window")
+        output = program.folder.parent / "maps"
+        with open(output, "w") as file:
+            watcher = self.desktop.start("xev", "-root", "-event", "substructure", stdout=file)
+        self.addCleanup(end_process, watcher)
+        with program.paused():
+            for number in range(40):
+                (program.cookies / f"{number}.txt").touch()
+        popups = lambda: {*map(int, program.windows("Quillmere"))} - {int(program.find_window())}
+        self.wait_for_equal(lambda: len(popups()), MOST_AT_ONE_PLACE)
+        order = run("xprop", "-root", "_NET_CLIENT_LIST_STACKING").split()
+        self.assertEqual(int(order[-1], 16), max(popups()))  # windows are numbered as they come
+        wait_until(lambda: not popups(), "the popups to close")
+        self.assertEqual(output.read_text().count("\nMapNotify"), MOST_AT_ONE_PLACE)
 
     def test_storm(self):
         """Ten thousand changes at once exhaust neither the display nor the memory."""

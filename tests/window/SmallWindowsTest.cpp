@@ -1,4 +1,3 @@
-#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -11,7 +10,6 @@
 #include "cookies/CookieDetail.h"
 #include "cookies/CookieList.h"
 #include "core/PublicDim.h"
-#include "report/FormMsg.h"
 #include "tests/CookieFolder.h"
 #include "tests/window/CookieLists.h"
 
@@ -59,25 +57,6 @@ TEST(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
       "Detail - " + name + "\nCookie name: uid\nValue: a%3Db\nServer: shop\nExpire: -\n\n";
   EXPECT_EQ(detail(1), now);
   EXPECT_EQ(detail(2), now);
-}
-
-TEST(SmallWindows, PopupsShowOfManyWhatCanBeSeen) {
-  const auto shown = [] {
-    std::vector<QWidget*> popups = Windows("FormMsg");
-    std::erase_if(popups, [](const QWidget* popup) { return !popup->isVisible(); });
-    return popups;
-  };
-  PublicDim.MsgEnabled = true;
-  for (int i = 0; i < 200; ++i) ShowChangePopup();
-  QTest::qWait(0);
-  EXPECT_LT(shown().size(), 40U);
-  // However many the user closes, the next one shows.
-  for (std::size_t left = 200; left > 0; --left) {
-    ASSERT_EQ(Windows("FormMsg").size(), left);
-    ASSERT_FALSE(shown().empty()) << left;
-    shown()[0]->close();
-    QTest::qWait(0);
-  }
 }
 
 }  // namespace

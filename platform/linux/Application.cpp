@@ -107,7 +107,6 @@ const std::string& ExecutablePath() {
   return path;
 }
 
-/// What was given at the start, the toolkit's own switches with it.
 std::string& CommandLine() {
   static std::string line;
   return line;
@@ -136,6 +135,7 @@ int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Fo
   QLoggingCategory::setFilterRules("*=false");
   // Popups need a place of their own choosing and a topmost band, which only X11 has.
   std::optional<X11Choice> x11(std::in_place);
+  argc = 1;  // no switch is the toolkit's
   Application application(argc, argv);
   x11.reset();
   QCoreApplication::setApplicationName("Quillmere");

@@ -97,6 +97,7 @@ int ShowHelp(int argc, char** argv) {
   // A session that is restored must not open a help that was open when it ended.
   unsetenv("SESSION_MANAGER");
   const Descriptor calls = BecomeTheViewer();
+  argc = 1;                                     // no switch is the toolkit's
   std::optional<X11Choice> x11(std::in_place);  // where a window can come to the front
   QApplication application(argc, argv);
   x11.reset();

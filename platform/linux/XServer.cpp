@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstdint>
+#include <cstdio>
+#include <string>
 
 #include <QGuiApplication>
 
@@ -9,11 +11,34 @@ namespace platform {
 
 static constexpr const char* Platform = "QT_QPA_PLATFORM";
 
+static QtMessageHandler otherMessages = nullptr;
+
+static std::string SettingOf(const std::string& variable) {
+  const char* const value = std::getenv(variable.c_str());
+  return variable + (value && *value ? std::string("=") + value : " is not set");
+}
+
+/// The toolkit only says that "Reinstalling the application may fix this problem", and aborts.
+static void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& context,
+                              const QString& message) {
+  if (type != QtFatalMsg) return otherMessages(type, context, message);
+  const char* const platform = std::getenv(Platform);
+  const bool isX11 = !platform || platform == std::string_view("xcb");
+  std::fprintf(stderr,
+               "quillmere: no window can be shown (%s). It takes an X server: X11 or, in a Wayland "
+               "session, XWayland.\n",
+               SettingOf(isX11 ? "DISPLAY" : Platform).c_str());
+  std::_Exit(EXIT_FAILURE);
+}
+
 X11Choice::X11Choice()
     : made_(std::getenv(Platform) == nullptr && std::getenv("DISPLAY") != nullptr &&
-            setenv(Platform, "xcb", 0) == 0) {}
+            setenv(Platform, "xcb", 0) == 0) {
+  otherMessages = qInstallMessageHandler(EndWithoutDisplay);
+}
 
 X11Choice::~X11Choice() {
+  qInstallMessageHandler(otherMessages);
   if (made_) unsetenv(Platform);
 }
 

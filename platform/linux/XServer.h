@@ -8,7 +8,8 @@
 namespace platform {
 
 /// Has an application that is made meanwhile take X11, or XWayland, where the user names no
-/// platform. What the program starts later chooses for itself.
+/// platform, and end with a word on its display where it can show no window. What the program
+/// starts later chooses for itself.
 class X11Choice {
  public:
   X11Choice();

@@ -187,6 +187,14 @@ class FaultsTest(DesktopTest):
                 self.check_end(program, Program.close)
                 self.assertTrue((program.folder / "config.ini").exists())
 
+    def test_no_display(self):
+        program = self.program()
+        for display, told in ({"DISPLAY": ":9999"}, "DISPLAY=:9999"), ({}, "DISPLAY is not set"):
+            env = {**program.env, **display} if display else {"HOME": program.env["HOME"]}
+            ended = subprocess.run([program.folder / "quillmere"], env=env, capture_output=True)
+            self.assertEqual(ended.returncode, 1)
+            self.assertRegex(ended.stderr.decode(), rf"\Aquillmere: .*\({told}\).*\n\Z")
+
     def test_end_of_the_session(self):
         """A logout that is taken back ends nothing; one that comes saves the settings."""
         session = SessionManager()

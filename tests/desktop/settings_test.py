@@ -16,7 +16,7 @@ STARTS = [
     (options(True, False, False, True), (), False, (True, False, False, True), None),
     (b"ToTray=0\rSaveLog=-1\rPlaySound1=1\rPlaySound2=0", (" /1 ",), True,
      (True, False, True, False), signal.SIGTERM),
-    (b"ToTray=False\r\nToTray=\r\nToTray=nay\r\nSAVELOG=TRUE\r\n", ("/1", "-style", "fusion"),
+    (b"ToTray=False\r\nToTray=\r\nToTray=nay\r\nSAVELOG=TRUE\r\n", ("/1", "-platform", "no"),
      False, (True, False, True, True), signal.SIGINT),
     (b"no sign\r\n=True\r\n\r\nSaveLog =True\r\n ToTray=False\r\nPlaySound1=False=False\r\n"
      b"Colour=True\r\nPlaySound2=True\r\nPlaySound2=False\r\n", ("/2",), False,

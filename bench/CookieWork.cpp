@@ -4,6 +4,7 @@
 #include "cookies/CookieList.h"
 #include "cookies/CookieSearch.h"
 #include "cookies/modSortListView.h"
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "monitor/Comparison.h"
 #include "platform/Files.h"
@@ -32,7 +33,7 @@ void StyleLists(CookieLists& lists) {
 }
 
 Snapshot Renamed(Snapshot rows) {
-  for (CookieFileRow& row : rows) row.FileName = "new-" + row.FileName;
+  for (CookieFileRow& row : rows) row.FileName = Joined({"new-", row.FileName});
   return rows;
 }
 

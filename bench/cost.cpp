@@ -1,10 +1,12 @@
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <valgrind/callgrind.h>
 #include <vector>
@@ -28,15 +30,18 @@ constexpr int Files = 2000;
 /// or library moves both.
 void DoReferenceWork() {
   std::map<std::string, std::size_t> firstRows;
-  std::vector<CookieRow> rows = PublicDim.CookieRows;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    firstRows.try_emplace(rows[i].CookieFile + rows[i].CookieName, i);
+  std::vector<std::array<std::string, 7>> rows;
+  for (const CookieRow& row : PublicDim.CookieRows) {
+    const auto text = [](std::string_view field) { return std::string(field); };
+    rows.push_back({text(row.Server), text(row.CookieName), text(row.CookieValue),
+                    text(row.ExpireDate), text(row.CookieFile), text(row.FileSize),
+                    text(row.Modified)});
+    firstRows.try_emplace(rows.back()[4] + rows.back()[1], rows.size() - 1);
   }
-  std::sort(rows.begin(), rows.end(), [](const CookieRow& one, const CookieRow& other) {
-    return one.CookieValue < other.CookieValue;
-  });
+  std::sort(rows.begin(), rows.end(),
+            [](const auto& one, const auto& other) { return one[2] < other[2]; });
   std::string text;
-  for (const auto& [name, row] : firstRows) text += name + rows[row].Server + std::to_string(row);
+  for (const auto& [name, row] : firstRows) text += name + rows[row][0] + std::to_string(row);
 }
 
 void Count(const char* name, const std::function<void()>& work) {

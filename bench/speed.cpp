@@ -16,6 +16,7 @@
 #include "bench/Timing.h"
 #include "cookies/CookieColumns.h"
 #include "cookies/CookieList.h"
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
 #include "platform/Application.h"
@@ -76,7 +77,7 @@ void MeasureCompare(const Request& asked) {
 void ReadBare() {
   static std::array<char, 65536> buffer;
   for (const CookieFileRow& file : PublicDim.KnownRows) {
-    const std::string path = PublicDim.CookieDir + file.FileName;
+    const std::string path = Joined({PublicDim.CookieDir, file.FileName});
     const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
     struct stat info;
     if (fstat(descriptor, &info) != 0 || read(descriptor, buffer.data(), buffer.size()) < 0) {
@@ -106,7 +107,7 @@ void MeasureMemory(CookieLists& lists) {
   const std::size_t held = BytesInUse() - before;
   std::size_t text = 0;
   for (const CookieRow& row : PublicDim.CookieRows) {
-    for (const std::string* field :
+    for (const platform::SharedText* field :
          {&row.Server, &row.CookieName, &row.CookieValue, &row.ExpireDate, &row.CookieFile,
           &row.FileSize, &row.Modified}) {
       text += field->size();

@@ -6,6 +6,7 @@
 #include "cookies/CookieColumns.h"
 #include "cookies/CookieFileReader.h"
 #include "cookies/FormView.h"
+#include "core/Joined.h"
 
 void OpenCookieDetail(platform::ListView& List, const platform::Form& Owner) {
   if (List.Count() == 0) return;
@@ -24,10 +25,8 @@ void OpenCookieDetail(platform::ListView& List, const platform::Form& Owner) {
 std::string DetailText(const std::vector<CookieRow>& Rows) {
   std::string block;
   for (const CookieRow& row : Rows) {
-    block += "Cookie name: " + row.CookieName + "\r\n";
-    block += "Value: " + row.CookieValue + "\r\n";
-    block += "Server: " + row.Server + "\r\n";
-    block += "Expire: " + row.ExpireDate + "\r\n\r\n";
+    block += Joined({"Cookie name: ", row.CookieName, "\r\nValue: ", row.CookieValue,
+                     "\r\nServer: ", row.Server, "\r\nExpire: ", row.ExpireDate, "\r\n\r\n"});
   }
   return block;
 }

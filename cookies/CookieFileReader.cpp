@@ -8,11 +8,14 @@
 #include <utility>
 
 #include "core/AtScopeEnd.h"
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "platform/FileSearch.h"
 #include "platform/Files.h"
 #include "platform/Regional.h"
 #include "platform/Texts.h"
+
+using platform::SharedText;
 
 namespace {
 
@@ -28,8 +31,8 @@ std::size_t Find(std::string_view text, std::string_view wanted, std::size_t fro
 }
 
 /// Adds a file's records behind the last row, all of them or none.
-void AppendRecords(const Pieces& pieces, const std::string& fileName, const std::string& fileSize,
-                   const std::string& modified, std::vector<CookieRow>& rows) {
+void AppendRecords(const Pieces& pieces, const SharedText& fileName, const SharedText& fileSize,
+                   const SharedText& modified, std::vector<CookieRow>& rows) {
   const std::size_t first = rows.size();
   const std::size_t records = pieces.size() / LinesOfRecord;
   std::size_t kept = first;
@@ -51,9 +54,9 @@ void AppendRecords(const Pieces& pieces, const std::string& fileName, const std:
   kept = rows.size();
 }
 
-void ReadRecords(const std::string& fileName, const std::string& fileSize,
-                 const std::string& modified, int target) {
-  platform::InputFile file(PublicDim.CookieDir + fileName);
+void ReadRecords(const SharedText& fileName, const SharedText& fileSize, const SharedText& modified,
+                 int target) {
+  platform::InputFile file(Joined({PublicDim.CookieDir, fileName}));
   if (!file.IsOpen()) return;
   // Lines of the file end in LF alone, so what is one line to the platform is the whole content, or
   // all that stands before the first CR.
@@ -72,8 +75,8 @@ void ReadRecords(const std::string& fileName, const std::string& fileSize,
 
 }  // namespace
 
-void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
-                    const std::string& Modified, int Target) {
+void ReadCookieFile(const SharedText& FileName, const SharedText& FileSize,
+                    const SharedText& Modified, int Target) {
   // What does not fit into memory can't be read.
   try {
     ReadRecords(FileName, FileSize, Modified, Target);

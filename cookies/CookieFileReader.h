@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/SharedText.h"
+
 // The cookie file: records of nine lines, each line ended by one LF. Records are found by counting
 // lines alone, so a stray line shifts every record behind it.
 
@@ -15,8 +17,8 @@ inline constexpr int TargetDetailRows = 2;
 /// rows follow the last one of `CookieRows`, which already has its blank slot 0. TargetDetailRows:
 /// they replace `DetailRows`. A file that is missing, unreadable or without one whole record
 /// changes neither.
-void ReadCookieFile(const std::string& FileName, const std::string& FileSize,
-                    const std::string& Modified, int Target);
+void ReadCookieFile(const platform::SharedText& FileName, const platform::SharedText& FileSize,
+                    const platform::SharedText& Modified, int Target);
 
 /// The pieces of a text between delimiters, empty ones too, as parts of `Text` itself. Behind the
 /// last delimiter there is one more piece only if it is not empty. An empty delimiter divides

@@ -14,7 +14,7 @@ namespace {
 
 struct SearchField {
   const char* Name;
-  std::string CookieRow::* Text;
+  platform::SharedText CookieRow::* Text;
 };
 
 constexpr std::array<SearchField, 6> SearchFields = {{

@@ -1,6 +1,7 @@
 #include "cookies/FormView.h"
 
 #include "cookies/CookieDetail.h"
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 
 namespace {
@@ -56,10 +57,10 @@ FormView::FormView()
 void FormView::Form_Load() {
   if (PublicDim.DetailRows.empty()) return;
   const CookieRow& first = PublicDim.DetailRows.front();
-  Text1[0].Text(PublicDim.CookieDir + first.CookieFile);
+  Text1[0].Text(Joined({PublicDim.CookieDir, first.CookieFile}));
   Text1[1].Text(first.Modified);
-  Text1[2].Text(first.FileSize + " bytes");
-  Caption("Detail - " + first.CookieFile);
+  Text1[2].Text(Joined({first.FileSize, " bytes"}));
+  Caption(Joined({"Detail - ", first.CookieFile}));
   Text2.Text(DetailText(PublicDim.DetailRows));
 }
 

@@ -23,9 +23,9 @@ struct PublicVariables {
   bool MsgEnabled = false;  ///< Popups are shown; true from `Form_Load` on.
   std::string MsgText;
   bool MsgCanView = false;
-  std::string MsgFileName;  ///< Of the last modified or added file, as the next two.
-  std::string MsgFileSize;
-  std::string MsgFileModified;
+  platform::SharedText MsgFileName;  ///< Of the last modified or added file, as the next two.
+  platform::SharedText MsgFileSize;
+  platform::SharedText MsgFileModified;
 
   // Options, stored in config.ini.
   bool SaveLog = false;  ///< `CheckLog` shows the inverse.

@@ -5,10 +5,10 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 #include "platform/Forms.h"
+#include "platform/SharedText.h"
 
 // A table in report view: rows of texts under column headers.
 
@@ -38,12 +38,12 @@ class ListView : public Control {
   class ListItem {
    public:
     std::string Text() const;
-    void Text(std::string_view text);
+    void Text(const SharedText& text);
     /// The cells behind the first, `column` from 1.
     std::string SubItems(int column) const;
-    void SubItems(int column, std::string_view text);
+    void SubItems(int column, const SharedText& text);
     std::string Tag() const;
-    void Tag(std::string_view text);
+    void Tag(const SharedText& text);
     bool Selected() const;
     void Selected(bool selected);
 
@@ -52,7 +52,7 @@ class ListView : public Control {
     ListItem(ListView& list, int position) : list_(&list), position_(position) {}
     int TagCell() const;
     std::string Cell(int cell) const;
-    void Cell(int cell, std::string_view text);
+    void Cell(int cell, const SharedText& text);
     ListView* list_;
     int position_;
   };
@@ -61,7 +61,7 @@ class ListView : public Control {
   int Count() const;
   ListItem Item(int position);
   /// Adds a row at the end, also while `Sorted`.
-  ListItem Add(std::string_view text);
+  ListItem Add(const SharedText& text);
   void Remove(int position);
   void Clear();
 

@@ -1,5 +1,6 @@
 #include "report/ChangeReports.h"
 
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "platform/Regional.h"
 #include "report/FormMsg.h"
@@ -9,7 +10,7 @@
 namespace {
 
 /// A file name as it can stand in a line of text.
-std::string OneLine(const std::string& name) {
+std::string OneLine(std::string_view name) {
   constexpr char32_t FirstControlPicture = 0x2400;
   constexpr unsigned char FirstPrintable = 0x20;
   std::string line;
@@ -29,7 +30,8 @@ std::string OneLine(const std::string& name) {
 }
 
 std::string AddedOrRemovedLine(const std::string& now, const char* kind, const CookieFileRow& row) {
-  return now + kind + OneLine(row.FileName) + ", " + row.SizeText + " bytes, " + row.ModifiedText;
+  return Joined(
+      {now, kind, OneLine(row.FileName), ", ", row.SizeText, " bytes, ", row.ModifiedText});
 }
 
 void RememberFile(const CookieFileRow& row) {
@@ -45,8 +47,9 @@ std::string PresentDateAndTime() { return platform::GeneralDate(platform::Now())
 
 std::string ModifiedLine(const std::string& now, const CookieFileRow& before,
                          const CookieFileRow& after) {
-  return now + " - Cookie file modified: " + OneLine(before.FileName) + " - " + before.SizeText +
-         "bytes " + before.ModifiedText + " => " + after.SizeText + " bytes " + after.ModifiedText;
+  return Joined({now, " - Cookie file modified: ", OneLine(before.FileName), " - ", before.SizeText,
+                 "bytes ", before.ModifiedText, " => ", after.SizeText, " bytes ",
+                 after.ModifiedText});
 }
 
 std::string AddedLine(const std::string& now, const CookieFileRow& row) {
@@ -62,7 +65,7 @@ void TellOfModified(platform::ListBox& log, const CookieFileRow& before,
   if (before.SizeText == after.SizeText && before.ModifiedText == after.ModifiedText) return;
   const std::string line = ModifiedLine(PresentDateAndTime(), before, after);
   log.AddItem(line);
-  PublicDim.MsgText = "Cookie file modified\r\n" + before.FileName;
+  PublicDim.MsgText = Joined({"Cookie file modified\r\n", before.FileName});
   // The popup's detail window gets size and time from before the change.
   RememberFile(before);
   WriteLogFile(line);
@@ -72,7 +75,7 @@ void TellOfModified(platform::ListBox& log, const CookieFileRow& before,
 void TellOfAdded(platform::ListBox& log, const CookieFileRow& row) {
   const std::string line = AddedLine(PresentDateAndTime(), row);
   log.AddItem(line);
-  PublicDim.MsgText = "Cookie file added\r\n" + row.FileName;
+  PublicDim.MsgText = Joined({"Cookie file added\r\n", row.FileName});
   RememberFile(row);
   PlaySoundFile(1);
   WriteLogFile(line);
@@ -82,7 +85,7 @@ void TellOfAdded(platform::ListBox& log, const CookieFileRow& row) {
 void TellOfRemoved(platform::ListBox& log, const CookieFileRow& row) {
   const std::string line = RemovedLine(PresentDateAndTime(), row);
   log.AddItem(line);
-  PublicDim.MsgText = "Cookie file removed\r\n" + row.FileName;
+  PublicDim.MsgText = Joined({"Cookie file removed\r\n", row.FileName});
   PublicDim.MsgCanView = false;
   PlaySoundFile(2);
   WriteLogFile(line);

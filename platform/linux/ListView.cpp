@@ -23,7 +23,7 @@ int ListView::Count() const { return rows_->View->Rows().Count(); }
 
 ListView::ListItem ListView::Item(int position) { return {*this, position}; }
 
-ListView::ListItem ListView::Add(std::string_view text) {
+ListView::ListItem ListView::Add(const SharedText& text) {
   rows_->View->Add(text);
   return {*this, Count()};
 }
@@ -44,18 +44,18 @@ std::optional<ListView::ListItem> ListView::SelectedItem() {
 // --- A row -------------------------------------------------------------------------------------
 
 std::string ListView::ListItem::Text() const { return Cell(0); }
-void ListView::ListItem::Text(std::string_view text) { Cell(0, text); }
+void ListView::ListItem::Text(const SharedText& text) { Cell(0, text); }
 
 std::string ListView::ListItem::SubItems(int column) const {
   return column >= 1 && column < TagCell() ? Cell(column) : std::string();
 }
 
-void ListView::ListItem::SubItems(int column, std::string_view text) {
+void ListView::ListItem::SubItems(int column, const SharedText& text) {
   if (column >= 1 && column < TagCell()) Cell(column, text);
 }
 
 std::string ListView::ListItem::Tag() const { return Cell(TagCell()); }
-void ListView::ListItem::Tag(std::string_view text) { Cell(TagCell(), text); }
+void ListView::ListItem::Tag(const SharedText& text) { Cell(TagCell(), text); }
 
 bool ListView::ListItem::Selected() const {
   ReportView& view = *list_->rows_->View;
@@ -75,7 +75,7 @@ std::string ListView::ListItem::Cell(int cell) const {
   return std::string(rows.Cell(rows.RowAt(position_), cell));
 }
 
-void ListView::ListItem::Cell(int cell, std::string_view text) {
+void ListView::ListItem::Cell(int cell, const SharedText& text) {
   ReportView& view = *list_->rows_->View;
   view.Write(view.Rows().RowAt(position_), cell, text);
 }

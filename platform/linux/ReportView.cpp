@@ -91,7 +91,7 @@ void ReportView::RaiseColumnClick(int column) {
 
 // --- Rows --------------------------------------------------------------------------------------
 
-void ReportView::Add(std::string_view text) {
+void ReportView::Add(const SharedText& text) {
   if (rows_->HasRemoved()) Settle();
   rows_->Add(text);
   SettleLater();
@@ -109,7 +109,7 @@ void ReportView::Clear() {
   horizontalScrollBar()->setValue(0);
 }
 
-void ReportView::Write(int row, int cell, std::string_view text) {
+void ReportView::Write(int row, int cell, const SharedText& text) {
   rows_->Cell(row, cell, text);
   SettleLater();
 }

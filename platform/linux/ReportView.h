@@ -21,10 +21,10 @@ class ReportView : public QTreeView {
   ReportView(QWidget* parent, ListView& owner, const std::vector<ColumnHeader>& columns);
 
   ListViewModel& Rows() const { return *rows_; }
-  void Add(std::string_view text);
+  void Add(const SharedText& text);
   void Remove(int row);
   void Clear();
-  void Write(int row, int cell, std::string_view text);
+  void Write(int row, int cell, const SharedText& text);
 
   bool IsSelected(int row) const;
   void Select(int row, bool selected);

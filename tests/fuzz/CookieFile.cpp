@@ -1,4 +1,5 @@
 #include "cookies/CookieFileReader.h"
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "platform/Regional.h"
 #include "tests/fuzz/Fuzz.h"
@@ -13,10 +14,11 @@ void RequireRows(std::size_t blank, const std::vector<CookieRow>& rows,
   for (std::size_t r = blank; r < rows.size(); ++r) {
     const std::string* const line = &lines[9 * (r - blank)];
     Require(rows[r].CookieName == line[0] && rows[r].CookieValue == line[1], "name and value");
-    const std::string& server = rows[r].Server;
+    const std::string server(rows[r].Server);
     Require(line[2] == (line[2].ends_with('/') ? server + '/' : server), "server");
     Require(rows[r].ExpireDate == ExpireDateText(line[5]), "expiry date");
-    Require(rows[r].CookieFile + rows[r].FileSize + rows[r].Modified == "a.txtsm", "the file");
+    Require(Joined({rows[r].CookieFile, rows[r].FileSize, rows[r].Modified}) == "a.txtsm",
+            "the file");
   }
 }
 

@@ -19,10 +19,11 @@ int main(int, char** argv) {
   }
   for (std::size_t i = 1; i < PublicDim.CookieRows.size(); ++i) {
     const CookieRow& row = PublicDim.CookieRows[i];
-    for (const std::string* cell : {&row.Server, &row.ExpireDate, &row.CookieName, &row.CookieValue,
-                                    &row.CookieFile, &row.FileSize, &row.Modified}) {
-      std::printf("%zu:", cell->size());
-      std::fwrite(cell->data(), 1, cell->size(), stdout);
+    for (const std::string_view cell : std::initializer_list<std::string_view>{
+             row.Server, row.ExpireDate, row.CookieName, row.CookieValue, row.CookieFile,
+             row.FileSize, row.Modified}) {
+      std::printf("%zu:", cell.size());
+      std::fwrite(cell.data(), 1, cell.size(), stdout);
     }
   }
 }

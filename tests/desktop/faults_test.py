@@ -264,7 +264,12 @@ class FaultsTest(DesktopTest):
             self.skipTest("the sanitizers want to be loaded first")
         self.mount(Path("/etc/localtime"), "--bind", "/usr/share/zoneinfo/UTC")
         stamp = self.desktop.home / "stamp"
-        stamp.write_text("@2004-05-01 23:59:50")
+
+        def set_clock(moment):  # whole at every look at it
+            stamp.with_suffix(".new").write_text("@" + moment)
+            stamp.with_suffix(".new").rename(stamp)
+
+        set_clock("2004-05-01 23:59:50")
         program = self.program(config=SAVE_LOG, env={
             "LD_PRELOAD": str(next(Path("/usr/lib").glob("*/faketime/libfaketime.so.1"))),
             "FAKETIME_TIMESTAMP_FILE": str(stamp), "FAKETIME_NO_CACHE": "1",
@@ -273,7 +278,7 @@ class FaultsTest(DesktopTest):
         program.start()
 
         def change(moment, name):
-            stamp.write_text("@" + moment)
+            set_clock(moment)
             with program.paused():
                 (program.cookies / name).touch()
                 os.utime(program.cookies / name, (0, 0))

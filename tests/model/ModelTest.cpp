@@ -99,7 +99,7 @@ class ModelRun {
     InYield = nullptr;
   }
 
-  Held Before{}, After{};  ///< While it watches: after the first thousand steps, and at the end.
+  Held Before{}, After{};  ///< While it watches: after the first thousand steps, and after all.
   int Changes = 0, Rebuilds = 0, Starts = 0, Reports = 0;
 
  private:
@@ -117,7 +117,7 @@ class ModelRun {
     Prepare();
     now_.Wait();
     Require(PublicDim.ChangePending == now_.Pending, "whether a change is pending");
-    if (step_ == steps_ || testing::Test::HasFailure()) return Finish();
+    if (IsOver() || testing::Test::HasFailure()) return Finish();
     ++step_;
     Step();
     if (withWindows_) QTimer::singleShot(0, qApp, [this] { CloseWindows(); });
@@ -126,8 +126,11 @@ class ModelRun {
   void Measure() {
     if (now_.Notification != model::Handle::Live) return;
     if (step_ >= 1000 && Before == Held()) Before = HeldNow();
-    if (step_ > steps_ - 100) After = HeldNow();
+    if (step_ >= steps_) After = HeldNow();
   }
+
+  /// A walk that is measured goes on until it watches.
+  bool IsOver() const { return step_ >= steps_ && (!withWindows_ || After != Held()); }
 
   /// In an event of its own, as the user's clicks are.
   void CloseWindows() {
@@ -541,7 +544,7 @@ TEST(Endurance, HoldsNoMoreAfterAMonthsWork) {
     std::printf("%ld descriptors, %ld threads, %ld windows, %ld kB\n", held[0], held[1], held[2],
                 held[3]);
   }
-  ASSERT_NE(month.After, Held());
+  if (HasFailure()) return;
   constexpr long Pooled = 2;  // threads that the toolkit begins and ends, each with a descriptor
   EXPECT_LE(month.After[0], month.Before[0] + Pooled);
   EXPECT_LE(month.After[1], month.Before[1] + Pooled);

@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::size_t LinesOfRecord = 9;
 constexpr const char* NoDate = "-";
-constexpr unsigned LastYear = 9999;
 
 using Pieces = std::vector<std::string_view>;
 
@@ -112,7 +111,7 @@ std::string ExpireDateText(std::string_view HighWord) {
   platform::FILETIME& local = PublicDim.FileLocalTime;
   platform::SYSTEMTIME& date = PublicDim.FileSysTime;
   if (platform::FileTimeToLocalFileTime(expiry, local) == 0 ||
-      platform::FileTimeToSystemTime(local, date) == 0 || date.wYear > LastYear) {
+      platform::FileTimeToSystemTime(local, date) == 0) {
     return NoDate;
   }
   return platform::Format(date, "YYYY-MM-DD");

@@ -66,5 +66,5 @@ void SaveConfig() {
   for (const Option& option : Options) {
     content.append(option.Key).append(PublicDim.*option.Variable ? "=True\r\n" : "=False\r\n");
   }
-  platform::ReplaceFile(SettingsPath(), content);
+  platform::WriteFileWhole(SettingsPath(), content);
 }

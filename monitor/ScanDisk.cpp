@@ -15,7 +15,7 @@ void AddFoundFile(const platform::WIN32_FIND_DATA& found) {
   platform::FileTimeToLocalFileTime(found.ftLastWriteTime, PublicDim.FileLocalTime);
   platform::FileTimeToSystemTime(PublicDim.FileLocalTime, PublicDim.FileSysTime);
   constexpr double HighHalf = 4294967296.0;
-  AddSnapshotRow(found.cFileName.data(), found.nFileSizeHigh * HighHalf + found.nFileSizeLow,
+  AddSnapshotRow(found.cFileName, found.nFileSizeHigh * HighHalf + found.nFileSizeLow,
                  PublicDim.FileSysTime);
 }
 

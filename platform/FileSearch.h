@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
 #include <string>
 
@@ -38,7 +37,7 @@ struct WIN32_FIND_DATA {
   FILETIME ftLastWriteTime;         ///< UTC.
   std::uint32_t nFileSizeHigh = 0;  ///< Size in bytes: high half times 4294967296 plus low half.
   std::uint32_t nFileSizeLow = 0;
-  std::array<char, 260> cFileName{};  ///< Without folder, ended by a NUL.
+  std::string cFileName;  ///< Without folder, of any length.
 };
 
 /// Opens a search. `pattern` is a folder and "*" or "*." with an ending, which fits in any case of
@@ -57,7 +56,8 @@ int FindClose(HANDLE search);
 /// written, when either lies outside what a FILETIME of the calendar can hold (high bit set).
 int FileTimeToLocalFileTime(const FILETIME& utc, FILETIME& local);
 
-/// Splits into calendar fields. 0, with nothing written, when the high bit is set.
+/// Splits into calendar fields. 0, with nothing written, when the high bit is set or the year has
+/// more than four digits.
 int FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& fields);
 
 }  // namespace platform

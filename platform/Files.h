@@ -3,10 +3,15 @@
 #include <string>
 #include <string_view>
 
-// File services. Every path is absolute and its folder ends in `PathSeparator`; any other path
-// names nothing, and an operation on it fails. No failure is reported but by the result.
+// File services. What is no path names nothing, and an operation on it fails. A folder's path ends
+// in `PathSeparator`. No failure is reported but by the result.
 
 namespace platform {
+
+/// Whether a text is a path: one from the machine's root, or from that of a drive or of a share, so
+/// that no working folder and no current drive has a part in what it means. What an unresolved
+/// folder gives is none, "\" with or without a name behind it, nor is a text with a NUL in it.
+bool IsPath(std::string_view text);
 
 // Attribute mask of `Dir`.
 inline constexpr int vbNormal = 0;
@@ -72,7 +77,7 @@ class FolderAtHand {
 /// Gives a file new content. What was there before, or all of the new content, is what any reader
 /// finds at any moment, also after a full disk or a kill; but a file whose folder takes no other is
 /// written over in its place. False when the old content stayed.
-bool ReplaceFile(const std::string& path, std::string_view content);
+bool WriteFileWhole(const std::string& path, std::string_view content);
 
 /// Adds text at a file's end with a single write, creating the file when it is missing. Text that
 /// does not fit whole is not added.

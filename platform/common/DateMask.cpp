@@ -50,10 +50,6 @@ std::string Format(const SYSTEMTIME& date, std::string_view mask) {
       width = 1;
       continue;
     }
-    if (*value > 9999) {
-      text.insert(i, 1, '0');
-      ++width;
-    }
     WriteDigits(&text[i], *value, width);
     afterHour = field == 'h';
   }

@@ -39,6 +39,7 @@ int FileTimeToSystemTime(const FILETIME& time, SYSTEMTIME& fields) {
   const std::chrono::sys_seconds moment{std::chrono::seconds{seconds}};
   const auto day = std::chrono::floor<std::chrono::days>(moment);
   const std::chrono::year_month_day date{day};
+  if (date.year() > std::chrono::year(9999)) return 0;
   const auto second = (moment - day).count();
   fields.wYear = static_cast<std::uint16_t>(static_cast<int>(date.year()));
   fields.wMonth = static_cast<std::uint16_t>(static_cast<unsigned>(date.month()));

@@ -205,17 +205,18 @@ bool SetAutostartCommand(const std::string& name, const std::string& command) {
   if (path.empty() || command.find('\0') != std::string::npos || !MakeFolders(FolderOf(path))) {
     return false;
   }
-  return ReplaceFile(path,
-                     "[Desktop Entry]\n"
-                     "Type=Application\n"
-                     "Name=" +
-                         TextEscaped(name) +
-                         "\n"
-                         "Comment=Tells of every cookie file that is added, removed or modified\n"
-                         "Exec=" +
-                         ExecOf(command) + '\n' + IconLine(command) +
-                         "Terminal=false\n"
-                         "X-GNOME-Autostart-enabled=true\n");
+  return WriteFileWhole(
+      path,
+      "[Desktop Entry]\n"
+      "Type=Application\n"
+      "Name=" +
+          TextEscaped(name) +
+          "\n"
+          "Comment=Tells of every cookie file that is added, removed or modified\n"
+          "Exec=" +
+          ExecOf(command) + '\n' + IconLine(command) +
+          "Terminal=false\n"
+          "X-GNOME-Autostart-enabled=true\n");
 }
 
 bool RemoveAutostart(const std::string& name) {

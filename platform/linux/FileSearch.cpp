@@ -51,9 +51,7 @@ class Search {
     data.ftLastWriteTime = MomentFrom1970(info.st_mtim.tv_sec, info.st_mtim.tv_nsec);
     data.nFileSizeHigh = static_cast<std::uint32_t>(size >> 32);
     data.nFileSizeLow = static_cast<std::uint32_t>(size);
-    const std::size_t length = std::min(name.size(), data.cFileName.size() - 1);
-    std::copy_n(name.data(), length, data.cFileName.data());
-    data.cFileName[length] = '\0';
+    data.cFileName = name;
     return true;
   }
 

@@ -216,6 +216,10 @@ std::optional<FolderReading>& AtHand() {
 
 }  // namespace
 
+bool IsPath(std::string_view text) {
+  return text.starts_with('/') && text.find('\0') == std::string_view::npos;
+}
+
 std::string Dir(const std::string& pattern, int attributes) {
   CurrentLookUp() = {NamesThatFit(pattern, attributes), 0};
   return Dir();
@@ -268,7 +272,7 @@ InputFile::InputFile(const std::string& path) {
   if (!open_) content_ = {};
 }
 
-bool ReplaceFile(const std::string& path, std::string_view content) {
+bool WriteFileWhole(const std::string& path, std::string_view content) {
   if (!IsPath(path)) return false;
   const std::optional<std::string> target = FollowLinks(path);
   if (!target || NameOf(*target).empty()) return false;

@@ -10,16 +10,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/Files.h"
 #include "platform/common/NamePattern.h"
 #include "platform/linux/Descriptor.h"
 
 namespace platform {
-
-/// Whether a text names a place at all: only an absolute path does, so that an unresolved folder
-/// ("\") with anything behind it stays nowhere.
-inline bool IsPath(std::string_view text) {
-  return text.starts_with('/') && text.find('\0') == std::string_view::npos;
-}
 
 /// The folder of a path, its separator included.
 inline std::string FolderOf(const std::string& path) { return path.substr(0, path.rfind('/') + 1); }

@@ -196,7 +196,7 @@ class RegistryFile {
     if (!usable_ || !MakeFolders(folder_)) return false;
     std::string text;
     for (const std::string& line : lines_) text += line + '\n';
-    return ReplaceFile(Path(), text);
+    return WriteFileWhole(Path(), text);
   }
 
  private:

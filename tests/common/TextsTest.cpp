@@ -30,8 +30,9 @@ TEST(Texts, MomentsHaveTheirCalendarFields) {
   };
   EXPECT_EQ(text(951'782'399, 3600), "2000-02-29 00:59:59");
   EXPECT_EQ(text(-11'644'473'600, 0), "1601-01-01 00:00:00");
-  EXPECT_EQ(text(253'402'300'800, 0), "10000-01-01 00:00:00");
-  for (const std::int64_t seconds : {INT64_MIN, std::int64_t{-11'644'473'601}, INT64_MAX}) {
+  EXPECT_EQ(text(253'402'300'799, 0), "9999-12-31 23:59:59");
+  for (const std::int64_t seconds :
+       {INT64_MIN, std::int64_t{-11'644'473'601}, std::int64_t{253'402'300'800}, INT64_MAX}) {
     EXPECT_EQ(text(seconds, 0), "none") << seconds;
   }
   EXPECT_EQ(text(-11'644'473'600, -1), "none");

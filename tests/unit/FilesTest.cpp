@@ -28,7 +28,7 @@ TEST(Files, WhatIsNoAbsolutePathNamesNothing) {
     EXPECT_FALSE(Kill(path)) << path;
     EXPECT_FALSE(MkDir(path + "new")) << path;
     EXPECT_FALSE(InputFile(path).IsOpen()) << path;
-    EXPECT_FALSE(ReplaceFile(path, "new")) << path;
+    EXPECT_FALSE(WriteFileWhole(path, "new")) << path;
     EXPECT_FALSE(AppendFile(path, "new")) << path;
   }
   EXPECT_EQ(folder.Read("here.txt") + folder.Read("\\here.txt"), "keptkept");
@@ -69,17 +69,17 @@ TEST(Files, ReplaceKeepsModeAndLinksAndIsWholeOrNone) {
   for (const pid_t process : {999'999'999, getpid()}) {
     folder.Write(".quillmere-new-" + std::to_string(process));
   }
-  EXPECT_TRUE(ReplaceFile(folder.Path("link.ini"), "new"));
-  EXPECT_TRUE(ReplaceFile(folder.Path("a.ini"), "whole"));
+  EXPECT_TRUE(WriteFileWhole(folder.Path("link.ini"), "new"));
+  EXPECT_TRUE(WriteFileWhole(folder.Path("a.ini"), "whole"));
   for (const char* name : {"ring.ini", "locked.ini", "pipe.ini", "none/new.ini", ""}) {
-    EXPECT_FALSE(ReplaceFile(folder.Path(name), "new")) << name;
+    EXPECT_FALSE(WriteFileWhole(folder.Path(name), "new")) << name;
   }
   std::signal(SIGXFSZ, SIG_IGN);
   rlimit usual{};
   getrlimit(RLIMIT_FSIZE, &usual);
   const rlimit nearlyFull{2, usual.rlim_max};
   setrlimit(RLIMIT_FSIZE, &nearlyFull);
-  const bool replaced = ReplaceFile(folder.Path("a.ini"), "new");
+  const bool replaced = WriteFileWhole(folder.Path("a.ini"), "new");
   setrlimit(RLIMIT_FSIZE, &usual);
   EXPECT_FALSE(replaced);
   EXPECT_EQ(folder.Read("a.ini") + folder.Read("twin.ini") + folder.Read("old.ini"), "wholeoldnew");
@@ -96,7 +96,7 @@ TEST(Files, AFileWhoseFolderTakesNoOtherIsWrittenOver) {
   const bool mounted = mount(path.c_str(), path.c_str(), nullptr, MS_BIND, nullptr) == 0;
   if (geteuid() == 0 && !mounted) GTEST_SKIP() << "mounting is not permitted";
   chmod(folder.Path("fixed").c_str(), 0500);
-  EXPECT_TRUE(ReplaceFile(path, "new"));
+  EXPECT_TRUE(WriteFileWhole(path, "new"));
   chmod(folder.Path("fixed").c_str(), 0700);
   if (mounted) umount(path.c_str());
   EXPECT_EQ(folder.Read("fixed/old.ini"), "new");
@@ -134,9 +134,9 @@ TEST(Files, AFolderThatIsBeingEmptiedGivesEveryFileOnce) {
   const HANDLE search = FindFirstFileA(folder.Path("*.txt"), data);
   for (int i = 0; i < 4000; ++i) unlink(folder.Path(name(i)).c_str());
   Names left = folder.Entries();
-  left.erase(data.cFileName.data());
+  left.erase(data.cFileName);
   Names found;
-  while (FindNextFileA(search, data) != 0) found.insert(data.cFileName.data());
+  while (FindNextFileA(search, data) != 0) found.insert(data.cFileName);
   FindClose(search);
   EXPECT_EQ(found, left);
 }

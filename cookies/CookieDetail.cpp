@@ -6,7 +6,10 @@
 #include "cookies/CookieColumns.h"
 #include "cookies/CookieFileReader.h"
 #include "cookies/FormView.h"
+#include "cookies/PresentNames.h"
 #include "core/Joined.h"
+#include "core/PublicDim.h"
+#include "platform/Files.h"
 
 void OpenCookieDetail(platform::ListView& List, const platform::Form& Owner) {
   if (List.Count() == 0) return;
@@ -18,8 +21,16 @@ void OpenCookieDetail(platform::ListView& List, const platform::Form& Owner) {
     fileSize = row->SubItems(FileSizeCell);
     modified = row->SubItems(ModifiedCell);
   }
-  ReadCookieFile(fileName, fileSize, modified, TargetDetailRows);
+  ReadDetailRows(fileName, fileSize, modified);
   platform::ShowNew(std::make_unique<FormView>(), &Owner);
+}
+
+void ReadDetailRows(std::string FileName, std::string_view FileSize, std::string_view Modified) {
+  if (platform::Dir(PublicDim.CookieDir + FileName).empty()) {
+    const std::string other = PresentNames().OnlyOneEqualTo(FileName);
+    if (!other.empty()) FileName = other;
+  }
+  ReadCookieFile(FileName, FileSize, Modified, TargetDetailRows);
 }
 
 std::string DetailText(const std::vector<CookieRow>& Rows) {

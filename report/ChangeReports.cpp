@@ -3,35 +3,16 @@
 #include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "platform/Regional.h"
+#include "platform/Texts.h"
 #include "report/FormMsg.h"
 #include "report/LogFile.h"
 #include "report/PlaySoundFile.h"
 
 namespace {
 
-/// A file name as it can stand in a line of text.
-std::string OneLine(std::string_view name) {
-  constexpr char32_t FirstControlPicture = 0x2400;
-  constexpr unsigned char FirstPrintable = 0x20;
-  std::string line;
-  line.reserve(name.size());
-  for (const char c : name) {
-    const auto byte = static_cast<unsigned char>(c);
-    if (byte >= FirstPrintable) {
-      line += c;
-      continue;
-    }
-    const char32_t picture = FirstControlPicture + byte;  // three bytes in UTF-8
-    line += static_cast<char>(0xE0 | (picture >> 12));
-    line += static_cast<char>(0x80 | ((picture >> 6) & 0x3F));
-    line += static_cast<char>(0x80 | (picture & 0x3F));
-  }
-  return line;
-}
-
 std::string AddedOrRemovedLine(const std::string& now, const char* kind, const CookieFileRow& row) {
-  return Joined(
-      {now, kind, OneLine(row.FileName), ", ", row.SizeText, " bytes, ", row.ModifiedText});
+  return Joined({now, kind, platform::OneLine(row.FileName), ", ", row.SizeText, " bytes, ",
+                 row.ModifiedText});
 }
 
 void RememberFile(const CookieFileRow& row) {
@@ -47,8 +28,8 @@ std::string PresentDateAndTime() { return platform::GeneralDate(platform::Now())
 
 std::string ModifiedLine(const std::string& now, const CookieFileRow& before,
                          const CookieFileRow& after) {
-  return Joined({now, " - Cookie file modified: ", OneLine(before.FileName), " - ", before.SizeText,
-                 "bytes ", before.ModifiedText, " => ", after.SizeText, " bytes ",
+  return Joined({now, " - Cookie file modified: ", platform::OneLine(before.FileName), " - ",
+                 before.SizeText, "bytes ", before.ModifiedText, " => ", after.SizeText, " bytes ",
                  after.ModifiedText});
 }
 

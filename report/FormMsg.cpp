@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "cookies/CookieFileReader.h"
+#include "cookies/CookieDetail.h"
 #include "cookies/FormView.h"
 #include "core/PublicDim.h"
 
@@ -67,7 +67,8 @@ void FormMsg::Timer1_Timer() {
 }
 
 void FormMsg::CmdView_Click() {
-  ReadCookieFile(PublicDim.MsgFileName, PublicDim.MsgFileSize, PublicDim.MsgFileModified, 2);
+  ReadDetailRows(std::string(PublicDim.MsgFileName), PublicDim.MsgFileSize,
+                 PublicDim.MsgFileModified);
   Unload();
   platform::ShowNew(std::make_unique<FormView>());
 }

@@ -59,14 +59,14 @@ std::vector<Row> RowsOf(const std::string& folder, const File& file) {
   return rows;
 }
 
-std::string OneLine(const std::string& name) {
-  std::string line;
-  for (const char c : name) {
-    const auto byte = static_cast<unsigned char>(c);
-    line +=
-        byte < 0x20 ? std::string("\xE2\x90") + static_cast<char>(0x80 + byte) : std::string(1, c);
-  }
-  return line;
+/// With all that a name of the walk has of what cannot be shown.
+std::string OneLine(std::string name) {
+  ReplaceAll(name, "\n", "␊");
+  ReplaceAll(name, "\t", "␉");
+  ReplaceAll(name, "\x7F", "␡");
+  ReplaceAll(name, "\u2028", "␤");
+  ReplaceAll(name, "\xFF\xC3", "\uFFFD\uFFFD");
+  return name;
 }
 
 const File* Named(const Files& files, const std::string& name) {
@@ -83,6 +83,15 @@ std::string Folded(const std::string& text) {
   for (char& c : folded) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
   ReplaceAll(folded, "\xC3\x84", "\xC3\xA4");
   return folded;
+}
+
+std::string Meant(const std::string& name, const std::set<std::string>& entries) {
+  std::vector<std::string> equal;
+  for (const std::string& entry : entries) {
+    if (entry == name) return entry;
+    if (Folded(entry) == Folded(name)) equal.push_back(entry);
+  }
+  return equal.size() == 1 ? equal[0] : name;
 }
 
 Files FilesIn(const std::string& folder) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -18,6 +19,8 @@ Files FilesIn(const std::string& folder);
 /// Whether a reader opens the file: ordinary and not hidden.
 bool IsReadable(const std::string& folder, const std::string& name);
 std::string Folded(const std::string& text);
+/// The entry of that name, else the only one of an equal name.
+std::string Meant(const std::string& name, const std::set<std::string>& entries);
 
 struct Row {
   std::array<std::string, 7> Cells;

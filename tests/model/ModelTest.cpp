@@ -43,7 +43,7 @@ int FromEnvironment(const char* name, int usual) {
 
 const std::string Long(251, 'n');
 const std::vector<std::string> FileNames = {
-    "a.txt",           "A.TXT",       "\xC3\xA4.txt", "\xC3\x84.txt", "line\n\ttab\x7F.txt",
+    "a.txt",           "A.TXT",       "\xC3\xA4.txt", "\xC3\x84.txt", "line\n\ttab\x7F\u2028.txt",
     "bad\xFF\xC3.txt", Long + ".txt", Long + ".TXT",  ".hidden.txt",  "*.txt",
     " [*]'\".txt",     ".txt",        "other.dat",    "a.txt.bak",    "c1.txt",
     "c2.txt",          "c3.txt",      "c4.txt"};
@@ -307,7 +307,7 @@ class ModelRun {
     const bool yes = Pick(4) != 0;
     if (yes && asked_ != nullptr) {
       for (const Row& row : asked_->Rows) {
-        if (row.Selected) Deleted(row.Cells[4]);
+        if (row.Selected) Deleted(model::Meant(row.Cells[4], Entries()));
       }
       std::erase_if(asked_->Rows, [](const Row& row) { return row.Selected; });
     } else if (yes) {

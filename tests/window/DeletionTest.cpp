@@ -1,5 +1,7 @@
+#include <filesystem>
 #include <stdlib.h>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -27,11 +29,15 @@ class Deletion : public testing::Test {
     return gone;
   }
 
-  /// Deletes by a row of that name, and returns the files that are gone.
-  Names GoneByRow(const std::string& name) {
+  void AddSelectedRow(const std::string& name) {
     platform::ListView::ListItem row = window_.ListVCookie.Add("");
     row.SubItems(CookieFileCell, name);
     row.Selected(true);
+  }
+
+  /// Deletes by a row of that name, and returns the files that are gone.
+  Names GoneByRow(const std::string& name) {
+    AddSelectedRow(name);
     const Answers yes;
     DeleteSelectedCookieFiles(window_.ListVCookie);
     EXPECT_EQ(window_.ListVCookie.Count(), 0);
@@ -57,7 +63,7 @@ class Deletion : public testing::Test {
 
 TEST_F(Deletion, NeverTakesARowsNameForMoreThanOneFile) {
   for (const std::string& name : Names{"*.*", "", ".", "..", "home/a.txt", "../", "*", "home",
-                                       "*.TXT", "a?txt", std::string("a.txt\0x", 7)}) {
+                                       "a?txt", std::string("a.txt\0x", 7)}) {
     EXPECT_EQ(GoneByRow(name), Names()) << name;
   }
   EXPECT_EQ(GoneByRow("*.txt"), Names{"*.txt"});
@@ -66,6 +72,26 @@ TEST_F(Deletion, NeverTakesARowsNameForMoreThanOneFile) {
     PublicDim.CookieDir = unresolved;
     EXPECT_EQ(GoneByRow("a.txt"), Names{"*.txt"});
   }
+}
+
+TEST_F(Deletion, FindsTheOneFileWhoseNameDiffersInCaseAlone) {
+  for (const char* name : {"home/x/one.TXT", "home/x/two.txt", "home/x/TWO.txt"})
+    folder_.Write(name);
+  PublicDim.CookieDir = all_ + "home/x/";
+  const auto left = [this](const std::vector<std::string>& rows) {
+    for (const std::string& name : rows) AddSelectedRow(name);
+    const Answers yes;
+    DeleteSelectedCookieFiles(window_.ListVCookie);
+    Names names;
+    for (const auto& entry : std::filesystem::directory_iterator(PublicDim.CookieDir)) {
+      names.insert(entry.path().filename());
+    }
+    return names;
+  };
+  EXPECT_EQ(left({"Two.txt"}), Names({"one.TXT", "two.txt", "TWO.txt"}));
+  EXPECT_EQ(left({"Two.txt", "two.txt", "two.txt"}), Names({"one.TXT", "TWO.txt"}));
+  EXPECT_EQ(left({"One.txt", "gone.txt"}), Names{"TWO.txt"});
+  EXPECT_EQ(left({"two.txt"}), Names());
 }
 
 TEST_F(Deletion, CleansWhatIsTickedWhenTheAnswerComes) {

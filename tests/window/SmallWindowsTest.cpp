@@ -57,6 +57,8 @@ TEST(SmallWindows, ADetailShowsTheFileAsItIsNowElseTheOneLastRead) {
       "Detail - " + name + "\nCookie name: uid\nValue: a%3Db\nServer: shop\nExpire: -\n\n";
   EXPECT_EQ(detail(1), now);
   EXPECT_EQ(detail(2), now);
+  folder.Write("GONE.txt", Record("back", "", "s", "-1"));
+  EXPECT_EQ(detail(2).substr(0, 35), "Detail - GONE.txt\nCookie name: back");
 }
 
 }  // namespace

@@ -152,7 +152,7 @@ void MeasureSort(const Request& asked, platform::ListView& list) {
     const auto sort = [&] {
       return SecondsOf([&] { SortColumn(list, static_cast<int>(column)); });
     };
-    Print("sort by " + std::string(CookieColumns[column - 1].Text),
+    Print("sort by " + std::string(CookieColumns[column - 1].Title),
           {MedianOf(asked.Rounds, sort), 0});
   }
 }

@@ -46,11 +46,8 @@ void CookieListTick(platform::ListView& List, int WindowState) {
 }
 
 void AddCookieRow(platform::ListView& List, const CookieRow& Row) {
-  platform::ListView::ListItem item = List.Add(Row.Server);
-  item.SubItems(1, Row.ExpireDate);
-  item.SubItems(2, Row.CookieName);
-  item.SubItems(3, Row.CookieValue);
-  item.SubItems(CookieFileCell, Row.CookieFile);
-  item.SubItems(FileSizeCell, Row.FileSize);
-  item.SubItems(ModifiedCell, Row.Modified);
+  platform::ListView::ListItem item = List.Add(Row.*CookieColumns.front().Text);
+  for (std::size_t cell = 1; cell < CookieColumns.size(); ++cell) {
+    item.SubItems(static_cast<int>(cell), Row.*CookieColumns[cell].Text);
+  }
 }

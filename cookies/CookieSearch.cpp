@@ -1,9 +1,9 @@
 #include "cookies/CookieSearch.h"
 
-#include <array>
 #include <cstddef>
 #include <string_view>
 
+#include "cookies/CookieColumns.h"
 #include "cookies/CookieList.h"
 #include "cookies/modSortListView.h"
 #include "core/PublicDim.h"
@@ -12,26 +12,18 @@
 
 namespace {
 
-struct SearchField {
-  const char* Name;
-  platform::SharedText CookieRow::* Text;
-};
-
-constexpr std::array<SearchField, 6> SearchFields = {{
-    {"Server", &CookieRow::Server},
-    {"Expire Date", &CookieRow::ExpireDate},
-    {"Cookie Name", &CookieRow::CookieName},
-    {"Value", &CookieRow::CookieValue},
-    {"Cookie File", &CookieRow::CookieFile},
-    {"Modified", &CookieRow::Modified},
-}};
+/// The columns that are fields of the search, in their order.
+std::vector<CookieColumn> SearchFields() {
+  std::vector<CookieColumn> fields(CookieColumns.begin(), CookieColumns.end());
+  std::erase_if(fields, [](const CookieColumn& column) { return !column.CanBeSearched; });
+  return fields;
+}
 
 }  // namespace
 
 std::vector<std::string> SearchFieldNames() {
   std::vector<std::string> names;
-  names.reserve(SearchFields.size());
-  for (const SearchField& field : SearchFields) names.emplace_back(field.Name);
+  for (const CookieColumn& field : SearchFields()) names.emplace_back(field.Title);
   return names;
 }
 
@@ -40,12 +32,13 @@ void SearchCookies(platform::TextBox& TextSearch, int Field, platform::ListView&
   const std::string entered = TextSearch.Text();
   const std::string_view wanted = platform::Trimmed(entered);
   TextSearch.Text(wanted);
+  const std::vector<CookieColumn> fields = SearchFields();
   const auto field = static_cast<std::size_t>(Field);
-  if (wanted.empty() || field >= SearchFields.size()) return;
+  if (wanted.empty() || field >= fields.size()) return;
 
   const platform::TextSearch search(wanted);
   for (std::size_t i = 1; i < PublicDim.CookieRows.size(); ++i) {
-    if (search.OccursIn(PublicDim.CookieRows[i].*SearchFields[field].Text)) {
+    if (search.OccursIn(PublicDim.CookieRows[i].*fields[field].Text)) {
       AddSearchRow(ListVSearch, static_cast<double>(i));
     }
   }

@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::int16_t SizeColumn = 6;
+constexpr std::int16_t SizeColumn = FileSizeCell + 1;
 constexpr std::string_view NumberMask = "00000000000000000000.0000000000";
 constexpr std::string_view DateMask = "YYYYMMDDHhNnSs";
 constexpr platform::SYSTEMTIME ZeroDate = {.wYear = 1899, .wMonth = 12, .wDay = 30};

@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "cookies/CookieColumns.h"
 #include "platform/FileSearch.h"
 #include "platform/ListView.h"
 
@@ -12,7 +13,7 @@
 enum SortKind : int { SortText = 0, SortNumber = 1, SortDate = 2 };
 
 /// One entry a column position; true when its last click meant ascending. Shared by both lists.
-using ColumnDirections = std::array<bool, 7>;
+using ColumnDirections = std::array<bool, CookieColumns.size()>;
 
 /// A click on the header of column `Index`, counted from 1. Does nothing, not even to
 /// `ColumnAscending`, with fewer than two rows.

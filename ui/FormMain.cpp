@@ -41,7 +41,7 @@ FormMain::FormMain()
       ListLog(*this, {.Name = "ListLog", .At = {}, .TabIndex = 4, .AccessibleName = "Log"}),
       ListVCookie(*this,
                   {.Name = "ListVCookie", .At = {}, .TabIndex = 6, .AccessibleName = "Cookies"},
-                  CookieColumns),
+                  CookieColumnHeaders()),
 
       Picture1(*this, {.Name = "Picture1", .At = {}, .TabIndex = 7}),
       ListVSearch(Picture1,
@@ -49,7 +49,7 @@ FormMain::FormMain()
                    .At = {45, 495, 0, 0},
                    .TabIndex = 8,
                    .AccessibleName = "Search results"},
-                  CookieColumns),
+                  CookieColumnHeaders()),
       Label1(Picture1,
              {.Name = "Label1", .Caption = "Search", .At = {60, 90, 510, 195}, .TabIndex = 9}),
       TextSearch(Picture1, {.Name = "TextSearch",

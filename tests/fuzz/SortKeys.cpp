@@ -70,7 +70,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   [[maybe_unused]] static auto& application = *new QApplication(argc, nullptr);
   static auto& form = *new platform::Form(
       {.Name = "Lists", .Caption = "", .ClientWidth = 9000, .ClientHeight = 6000});
-  static auto& list = *new platform::ListView(form, {}, CookieColumns);
+  static auto& list = *new platform::ListView(form, {}, CookieColumnHeaders());
 
   std::vector<std::string> cells = Split(AsText(data, size), '\n');
   if (cells.size() > 8) cells.resize(8);

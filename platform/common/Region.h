@@ -15,17 +15,17 @@ namespace platform {
 ///
 /// and any other character for itself, as does what stands in single quotes, in which two are one.
 struct Region {
-  std::string Group{};    ///< Divides groups of three digits.
-  std::string Decimal{};  ///< Divides whole digits from decimals.
-  std::string ShortDate{};
-  std::string LongTime{};
-  std::string ShortTime{};
-  std::string Morning{};
-  std::string Afternoon{};
-  std::array<std::string, 12> Months{};
-  std::array<std::string, 12> ShortMonths{};
-  std::array<std::string, 7> Days{};  ///< From Monday on.
-  std::array<std::string, 7> ShortDays{};
+  std::string Group;    ///< Divides groups of three digits.
+  std::string Decimal;  ///< Divides whole digits from decimals.
+  std::string ShortDate;
+  std::string LongTime;
+  std::string ShortTime;
+  std::string Morning;
+  std::string Afternoon;
+  std::array<std::string, 12> Months;
+  std::array<std::string, 12> ShortMonths;
+  std::array<std::string, 7> Days;  ///< From Monday on.
+  std::array<std::string, 7> ShortDays;
   char32_t Zero = U'0';  ///< The first of the ten digits of dates and times.
 };
 

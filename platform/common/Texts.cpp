@@ -79,7 +79,9 @@ double LeadingNumber(std::string_view text) {
   double number = 0;
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error == std::errc::result_out_of_range) {
-    number = IsHuge({text.data(), end}) ? std::numeric_limits<double>::infinity() : 0;
+    number = IsHuge(text.substr(0, static_cast<std::size_t>(end - text.data())))
+                 ? std::numeric_limits<double>::infinity()
+                 : 0;
   }
   return negative ? -number : number;
 }

@@ -5,6 +5,7 @@
 
 #include "platform/Files.h"
 #include "platform/Regional.h"
+#include "platform/Texts.h"
 #include "platform/linux/Paths.h"
 #include "platform/linux/UserFolders.h"
 
@@ -161,17 +162,12 @@ std::optional<std::string> EntryKey(const std::string& content, std::string_view
   bool inside = false;
   for (std::size_t at = 0; at < content.size();) {
     const std::size_t end = std::min(content.find('\n', at), content.size());
-    std::string_view line = std::string_view(content).substr(at, end - at);
+    const std::string_view line = Trimmed(std::string_view(content).substr(at, end - at), " \t\r");
     at = end + 1;
-    while (line.ends_with(' ') || line.ends_with('\r')) line.remove_suffix(1);
     if (line.starts_with('[')) inside = line == "[Desktop Entry]";
-    if (!inside || !line.starts_with(key)) continue;
-    line.remove_prefix(key.size());
-    while (line.starts_with(' ')) line.remove_prefix(1);
-    if (!line.starts_with('=')) continue;
-    line.remove_prefix(1);
-    while (line.starts_with(' ')) line.remove_prefix(1);
-    return std::string(line);
+    const std::size_t equals = std::min(line.find('='), line.size());
+    if (!inside || equals == line.size() || Trimmed(line.substr(0, equals)) != key) continue;
+    return std::string(Trimmed(line.substr(equals + 1)));
   }
   return std::nullopt;
 }

@@ -13,20 +13,29 @@ namespace {
 
 char32_t Fold(char32_t character) { return character == U'Ä' ? U'ä' : character; }
 
-const Region America{.Group = ",",
-                     .Decimal = ".",
-                     .ShortDate = "M/d/yy",
-                     .LongTime = "h:mm:ss\u202Ftt",
-                     .ShortTime = "h:mm tt",
-                     .Morning = "AM",
-                     .Afternoon = "PM"};
-const Region Elsewhere{.Group = "\u202F",
-                       .Decimal = ",",
-                       .ShortDate = "dddd, d. MMM yyyy",
-                       .LongTime = "'um' HH.mm.ss 'Uhr'",
-                       .ShortTime = "HH.mm",
-                       .ShortMonths = {"Jän", "F", "Mär", "A", "Mai", "J"},
-                       .Days = {"Mo", "Di", "Mi", "Do", "Fr", "Samstag"}};
+Region America() {
+  Region region;
+  region.Group = ",";
+  region.Decimal = ".";
+  region.ShortDate = "M/d/yy";
+  region.LongTime = "h:mm:ss\u202Ftt";
+  region.ShortTime = "h:mm tt";
+  region.Morning = "AM";
+  region.Afternoon = "PM";
+  return region;
+}
+
+Region Elsewhere() {
+  Region region;
+  region.Group = "\u202F";
+  region.Decimal = ",";
+  region.ShortDate = "dddd, d. MMM yyyy";
+  region.LongTime = "'um' HH.mm.ss 'Uhr'";
+  region.ShortTime = "HH.mm";
+  region.ShortMonths = {"Jän", "F", "Mär", "A", "Mai", "J"};
+  region.Days = {"Mo", "Di", "Mi", "Do", "Fr", "Samstag"};
+  return region;
+}
 
 std::string Read(const DateForms& forms, std::string_view text) {
   const std::optional<SYSTEMTIME> date = forms.Read(text);
@@ -44,10 +53,10 @@ TEST(Region, NumbersAndDatesFollowTheMask) {
       {0.00000000004, keyMask, "00000000000000000000.0000000000"},
       {1e25, keyMask, "10000000000000000905969664.0000000000"}};
   for (const auto& [number, mask, text] : cases) {
-    EXPECT_EQ(NumberText(number, mask, America), text) << number;
+    EXPECT_EQ(NumberText(number, mask, America()), text) << number;
   }
-  EXPECT_EQ(NumberText(std::numeric_limits<double>::max(), keyMask, America).size(), 309u + 11u);
-  EXPECT_EQ(NumberText(-1234.5, "#,###.00", Elsewhere), "-1\u202F234,50");
+  EXPECT_EQ(NumberText(std::numeric_limits<double>::max(), keyMask, America()).size(), 309u + 11u);
+  EXPECT_EQ(NumberText(-1234.5, "#,###.00", Elsewhere()), "-1\u202F234,50");
   const SYSTEMTIME date{2004, 3, 7, 9, 5, 2};
   EXPECT_EQ(Format(date, "YYYY-MM-DD HH:MM:SS"), "2004-03-07 09:05:02");
   EXPECT_EQ(Format(date, "YYYYMMDDHhNnSs"), "20040307090502");
@@ -62,22 +71,22 @@ TEST(Region, NumericTexts) {
                                                     {"0." + std::string(400, '0') + "1", 0},
                                                     {"1e-999", 0}};
   for (const auto& [text, value] : numbers) {
-    EXPECT_DOUBLE_EQ(ReadNumber(text, America).value_or(-1), value) << text;
+    EXPECT_DOUBLE_EQ(ReadNumber(text, America()).value_or(-1), value) << text;
   }
   for (const char* text :
        {"", " ", "12x", "1 2", "-", ".", "1,", ",1", "1,,2", "1e", "1.2.3", "1.2,3", "--1", "inf",
         "nan", "0x10", "1e999", "1e99999999999999999999"}) {
-    EXPECT_FALSE(ReadNumber(text, America)) << text;
+    EXPECT_FALSE(ReadNumber(text, America())) << text;
   }
-  EXPECT_FALSE(ReadNumber(std::string(400, '9') + "e-9", America));
-  EXPECT_EQ(ReadNumber("1\u202F234,5", Elsewhere), 1234.5);
+  EXPECT_FALSE(ReadNumber(std::string(400, '9') + "e-9", America()));
+  EXPECT_EQ(ReadNumber("1\u202F234,5", Elsewhere()), 1234.5);
 }
 
 TEST(Region, DatesAreWrittenAndReadByTheRegionsPictures) {
   const SYSTEMTIME halfPastMidnight{2004, 5, 1, 0, 30, 45};
-  const DateForms america(America, Fold);
+  const DateForms america(America(), Fold);
   EXPECT_EQ(america.General(halfPastMidnight), "5/1/2004 12:30:45 AM");
-  const DateForms elsewhere(Elsewhere, Fold);
+  const DateForms elsewhere(Elsewhere(), Fold);
   EXPECT_EQ(elsewhere.General(halfPastMidnight), "Samstag, 1. Mai 2004 um 00.30.45 Uhr");
 
   const std::pair<std::string, std::string> dates[] = {
@@ -97,7 +106,7 @@ TEST(Region, DatesAreWrittenAndReadByTheRegionsPictures) {
 }
 
 TEST(Region, TheDigitsOfARegionAreReadBesideThePlainOnes) {
-  Region region = Elsewhere;
+  Region region = Elsewhere();
   region.ShortDate = "yyyy/M/d";
   region.LongTime = "h:mm:ss";
   region.Zero = U'۰';

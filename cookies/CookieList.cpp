@@ -1,6 +1,7 @@
 #include "cookies/CookieList.h"
 
 #include <cstddef>
+#include <string>
 #include <vector>
 
 #include "cookies/CookieColumns.h"
@@ -11,6 +12,8 @@
 #include "platform/Forms.h"
 
 namespace {
+
+std::string CookieFiles() { return PublicDim.CookieDir + "*.txt"; }
 
 bool NoFileIsKnown() {
   return PublicDim.KnownRows.empty() || PublicDim.KnownRows.front().FileName.empty();
@@ -27,7 +30,7 @@ void LoadCookieList(platform::ListView& List) {
   // The room of the old rows is kept for the new ones: a large array is dear to get anew.
   PublicDim.CookieRows.clear();
   PublicDim.CookieRows.emplace_back();
-  const platform::FolderAtHand folder(PublicDim.CookieDir + "*.txt");
+  const platform::FolderAtHand folder(CookieFiles());
   for (const CookieFileRow& file : PublicDim.KnownRows) {
     ReadCookieFile(file.FileName, file.SizeText, file.ModifiedText, TargetCookieRows);
   }
@@ -37,8 +40,16 @@ void LoadCookieList(platform::ListView& List) {
   RestoreSortOrder(List);
 }
 
+void ExpectCookieList(int WindowState) {
+  constexpr std::size_t ManyFiles = 100;  // fewer are read before a second thread has begun
+  const std::size_t known = PublicDim.KnownRows.size();
+  if (WindowState == platform::vbMinimized || (known > 0 && known < ManyFiles)) return;
+  platform::FolderAtHand::ComesSoon(CookieFiles());
+}
+
 void CookieListTick(platform::ListView& List, int WindowState) {
-  if (WindowState == platform::vbMinimized || !PublicDim.CookieListStale) return;
+  if (WindowState == platform::vbMinimized) return platform::FolderAtHand::ComesNot();
+  if (!PublicDim.CookieListStale) return;
   // The first scan is about to tell which files there are: at start-up, or after the cleaner.
   if (PublicDim.KnownRows.empty() || (PublicDim.FirstScanRunning && NoFileIsKnown())) return;
   LoadCookieList(List);

@@ -7,6 +7,9 @@
 /// last chose by a column header. Selection and scroll position are lost.
 void LoadCookieList(platform::ListView& List);
 
+/// The list is about to be rebuilt, so its files may be read already.
+void ExpectCookieList(int WindowState);
+
 /// The tick of `TimerCookie`: rebuilds a stale list unless the window is minimised. While a watch's
 /// first scan runs and no file is known yet, the flag stays raised for the list that the scan
 /// gives.

@@ -72,6 +72,12 @@ class FolderAtHand {
   FolderAtHand(const FolderAtHand&) = delete;
   FolderAtHand& operator=(const FolderAtHand&) = delete;
   ~FolderAtHand();
+
+  /// Says that one of this pattern comes within moments, so that reading may begin. A file that
+  /// changes until then is read again.
+  static void ComesSoon(const std::string& pattern);
+  /// Or that it does not come after all.
+  static void ComesNot();
 };
 
 /// Gives a file new content. What was there before, or all of the new content, is what any reader

@@ -14,6 +14,7 @@
 #include "core/PublicDim.h"
 #include "core/SettingsFile.h"
 #include "core/SpecialFolders.h"
+#include "monitor/WatchFlags.h"
 #include "monitor/WatchFunc.h"
 #include "platform/Application.h"
 #include "platform/Shell.h"
@@ -59,6 +60,7 @@ void FormMain::Form_Load() {
   } else {
     Show();
   }
+  ExpectCookieList(WindowState());
   CmdStart_Click();
 }
 
@@ -181,7 +183,11 @@ void FormMain::Menu_Exit_Click() { Unload(); }
 void FormMain::CmdStart_Click() { StartClicked(Watch()); }
 void FormMain::CmdStop_Click() { StopClicked(Watch()); }
 void FormMain::TimerStart_Timer() { StartTick(Watch()); }
-void FormMain::TimerCompare_Timer() { CompareTick(*this); }
+void FormMain::TimerCompare_Timer() {
+  if (PublicDim.ChangePending) ExpectCookieList(WindowState());
+  CompareTick(*this);
+  if (PublicDim.CookieListStale) ExpectCookieList(WindowState());
+}
 
 void FormMain::ReportModified(std::size_t oldRow, std::size_t newRow) {
   TellOfModified(ListLog, PublicDim.KnownRows[oldRow], PublicDim.CurrentRows[newRow]);
@@ -197,7 +203,10 @@ void FormMain::ReportRemoved(std::size_t oldRow) {
 
 // --- The cookie lists ----------------------------------------------------------------------------
 
-void FormMain::TimerCookie_Timer() { CookieListTick(ListVCookie, WindowState()); }
+void FormMain::TimerCookie_Timer() {
+  CookieListTick(ListVCookie, WindowState());
+  if (WatchFlags.ScanRunning) ExpectCookieList(WindowState());
+}
 
 void FormMain::CmdSearch_Click() { SearchCookies(TextSearch, Combo1.ListIndex(), ListVSearch); }
 

@@ -15,9 +15,7 @@ std::size_t Span(std::size_t entry) { return entry & (~entry + 1); }
 
 // --- Rows by position --------------------------------------------------------------------------
 
-int ListRows::RowAt(int position) const {
-  if (position < 1 || position > Count()) return -1;
-  if (removed_ == 0) return position - 1;
+int ListRows::RowAmongRemoved(int position) const {
   auto left = static_cast<std::size_t>(position);
   std::size_t row = 0;
   for (std::size_t step = std::bit_floor(order_.size()); step != 0; step /= 2) {
@@ -72,13 +70,6 @@ std::string_view ListRows::Cell(int row, int cell) const {
   if (cell != TagCell()) return cells_[FirstCell(added) + static_cast<std::size_t>(cell)];
   if (tags_.empty()) return {};
   return tags_[added];
-}
-
-void ListRows::Cell(int row, int cell, const SharedText& text) {
-  if (!Exists(row, cell)) return;
-  const std::uint32_t added = Added(static_cast<std::size_t>(row));
-  if (cell == TagCell()) return Tag(added, text);
-  cells_[FirstCell(added) + static_cast<std::size_t>(cell)] = text;
 }
 
 void ListRows::Tag(std::uint32_t added, const SharedText& text) {

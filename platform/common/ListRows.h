@@ -24,7 +24,10 @@ class ListRows {
   int Shown() const { return static_cast<int>(order_.size()); }
   int Count() const { return Shown() - removed_; }
   /// The row at a position; -1 when there is none.
-  int RowAt(int position) const;
+  int RowAt(int position) const {
+    if (position < 1 || position > Count()) return -1;
+    return removed_ == 0 ? position - 1 : RowAmongRemoved(position);
+  }
   int PositionOf(int row) const;
 
   /// Not while `HasRemoved`.
@@ -39,7 +42,12 @@ class ListRows {
   }
   /// An empty text for a cell that does not exist.
   std::string_view Cell(int row, int cell) const;
-  void Cell(int row, int cell, const SharedText& text);
+  void Cell(int row, int cell, const SharedText& text) {
+    if (!Exists(row, cell)) return;
+    const std::uint32_t added = Added(static_cast<std::size_t>(row));
+    if (cell == TagCell()) return Tag(added, text);
+    cells_[FirstCell(added) + static_cast<std::size_t>(cell)] = text;
+  }
 
   /// The rows that are not removed, as they stand.
   std::vector<std::uint32_t> Standing() const;
@@ -54,6 +62,7 @@ class ListRows {
   std::size_t FirstCell(std::uint32_t added) const {
     return std::size_t{added} * static_cast<std::size_t>(columns_);
   }
+  int RowAmongRemoved(int position) const;
   void Tag(std::uint32_t added, const SharedText& text);
   void ForgetRemoved();
 

@@ -22,6 +22,7 @@
 
 #include "platform/common/HandleTable.h"
 #include "platform/linux/Descriptor.h"
+#include "platform/linux/InotifyEvents.h"
 #include "platform/linux/Paths.h"
 
 namespace platform {
@@ -74,19 +75,6 @@ class WriteTimes {
   std::unordered_map<std::size_t, Time> times_;
 };
 
-/// A place of the file system, whatever its path.
-struct Place {
-  dev_t Device = 0;
-  ino_t Node = 0;
-  bool operator==(const Place&) const = default;
-};
-
-std::optional<Place> PlaceOf(const std::string& folder) {
-  struct stat info;
-  if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return std::nullopt;
-  return Place{info.st_dev, info.st_ino};
-}
-
 class Watch {
  public:
   Watch(std::string folder, std::uint32_t filter) : folder_(std::move(folder)), filter_(filter) {
@@ -117,7 +105,7 @@ class Watch {
     const auto now = Clock::now();
     if (!IsWatching() || now < nextLook_) return signalled_;
     nextLook_ = now + std::chrono::seconds(1);
-    if (PlaceOf(folder_) != place_) Lose();
+    if (IdentityOf(folder_) != identity_) Lose();
     return signalled_;
   }
 
@@ -125,8 +113,8 @@ class Watch {
   bool Begin() {
     // Where the path leads is looked up first: a folder that is exchanged in between then differs
     // from it and is found.
-    const std::optional<Place> place = PlaceOf(folder_);
-    if (!place) return false;
+    const std::optional<FolderIdentity> identity = IdentityOf(folder_);
+    if (!identity) return false;
     Descriptor events(inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
     const bool writes = (filter_ & FILE_NOTIFY_CHANGE_LAST_WRITE) != 0;
     const bool names = (filter_ & FILE_NOTIFY_CHANGE_FILE_NAME) != 0;
@@ -134,7 +122,7 @@ class Watch {
                                static_cast<std::uint32_t>(IN_ONLYDIR);
     if (!events || inotify_add_watch(events.Number(), folder_.c_str(), mask) < 0) return false;
     events_ = std::move(events);
-    place_ = *place;
+    identity_ = *identity;
     readable_ = IsReadable();
     counting_ = (names ? NameEvents : 0u) | (writes ? static_cast<std::uint32_t>(IN_MODIFY) : 0u);
     if (writes) times_.Fill(folder_);
@@ -147,23 +135,15 @@ class Watch {
   }
 
   void ReadEvents() {
-    alignas(inotify_event) std::array<char, 65536> buffer;
-    // A writer that never rests must not keep this from an end; what is left ends the next wait.
-    constexpr int MostReads = 256;
     bool lost = false;
     bool overflowed = false;
-    for (int i = 0; i < MostReads && !lost; ++i) {
-      const ssize_t got = read(events_.Number(), buffer.data(), buffer.size());
-      if (got <= 0) break;
-      for (ssize_t at = 0; at < got;) {
-        const auto& event = *reinterpret_cast<const inotify_event*>(buffer.data() + at);
-        at += static_cast<ssize_t>(sizeof event + event.len);
-        lost = lost || (event.mask & LossEvents) != 0;
-        overflowed = overflowed || (event.mask & IN_Q_OVERFLOW) != 0;
-        if (event.len == 0 && (event.mask & IN_ATTRIB) != 0) LookAtRights();
-        if (event.len > 0 && (event.mask & IN_ISDIR) == 0) Note(event);
-      }
-    }
+    ReadInotifyEvents(events_.Number(), [&](const inotify_event& event) {
+      lost = lost || (event.mask & LossEvents) != 0;
+      overflowed = overflowed || (event.mask & IN_Q_OVERFLOW) != 0;
+      if (event.len == 0 && (event.mask & IN_ATTRIB) != 0) LookAtRights();
+      if (event.len > 0 && (event.mask & IN_ISDIR) == 0) Note(event);
+      return !lost;
+    });
     LookAtWritten();
     if (overflowed) {
       signalled_ = true;
@@ -205,7 +185,7 @@ class Watch {
   std::uint32_t filter_;
   std::uint32_t counting_ = 0;  ///< Events that are a change by themselves.
   Descriptor events_;
-  Place place_;
+  FolderIdentity identity_;
   Clock::time_point nextLook_;
   WriteTimes times_;
   std::unordered_map<std::string, std::monostate> written_;

@@ -6,6 +6,7 @@
 #include <climits>
 #include <csignal>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <system_error>
@@ -201,16 +202,14 @@ bool WriteOver(const std::string& path, std::string_view content) {
          fsync(file.Number()) == 0;
 }
 
+/// What the `FolderAtHand` that lives, or is about to come, reads.
 struct FolderReading {
-  explicit FolderReading(const std::string& pattern) : Listing(pattern), Ahead(Listing) {}
-
-  FolderListing Listing;
-  ReadAhead Ahead;
+  std::unique_ptr<ReadAhead> Ahead;
+  bool AtHand = false;
 };
 
-/// What the `FolderAtHand` that lives has read.
-std::optional<FolderReading>& AtHand() {
-  static std::optional<FolderReading> reading;
+FolderReading& Reading() {
+  static FolderReading reading;
   return reading;
 }
 
@@ -242,22 +241,34 @@ int DeleteFileA(const std::string& path) {
 
 bool MkDir(const std::string& path) { return IsPath(path) && mkdir(path.c_str(), 0777) == 0; }
 
-FolderAtHand::FolderAtHand(const std::string& pattern) { AtHand().emplace(pattern); }
-FolderAtHand::~FolderAtHand() { AtHand().reset(); }
+FolderAtHand::FolderAtHand(const std::string& pattern) {
+  auto& [ahead, atHand] = Reading();
+  atHand = true;
+  if (ahead && ahead->Pattern() == pattern && ahead->Settle()) return;
+  ahead = std::make_unique<ReadAhead>(pattern, ReadAhead::Begin::Now);
+}
+
+FolderAtHand::~FolderAtHand() { Reading() = {}; }
+
+void FolderAtHand::ComesSoon(const std::string& pattern) {
+  auto& ahead = Reading().Ahead;
+  if (ahead && ahead->Pattern() == pattern) return;
+  ahead = std::make_unique<ReadAhead>(pattern, ReadAhead::Begin::Early);
+}
+
+void FolderAtHand::ComesNot() { Reading() = {}; }
 
 InputFile::InputFile(const std::string& path) {
   if (!IsPath(path) || path[path.rfind('/') + 1] == '.') return;
-  std::optional<std::size_t> listed;
-  if (AtHand()) listed = AtHand()->Listing.Find(path);
-  if (listed) {
-    if (const auto content = AtHand()->Ahead.Take(*listed)) {
+  if (Reading().AtHand) {
+    if (const auto content = Reading().Ahead->Take(path)) {
       content_ = *content;
       open_ = true;
       return;
     }
   }
   // The look comes before the open: a pipe or a device is best not even opened.
-  if (!listed && !IsOrdinaryFile(AT_FDCWD, path.c_str())) return;
+  if (!IsOrdinaryFile(AT_FDCWD, path.c_str())) return;
   const Descriptor file = OpenOrdinary(AT_FDCWD, path.c_str());
   if (!file) return;
   std::array<char, 65536> buffer;

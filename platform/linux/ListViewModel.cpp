@@ -41,9 +41,8 @@ void ListViewModel::Clear() {
   endResetModel();
 }
 
-void ListViewModel::Cell(int row, int cell, const SharedText& text) {
-  rows_.Cell(row, cell, text);
-  if (row < 0 || row >= announced_ || cell == TagCell()) return;
+void ListViewModel::NoteWritten(int row, int cell) {
+  if (!rows_.Exists(row, cell) || cell == TagCell()) return;
   const bool none = firstWritten_ > lastWritten_;
   firstWritten_ = none ? row : std::min(firstWritten_, row);
   lastWritten_ = none ? row : std::max(lastWritten_, row);

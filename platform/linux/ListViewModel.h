@@ -33,7 +33,10 @@ class ListViewModel : public QAbstractTableModel {
   bool HasRemoved() const { return rows_.HasRemoved(); }
 
   std::string_view Cell(int row, int cell) const { return rows_.Cell(row, cell); }
-  void Cell(int row, int cell, const SharedText& text);
+  void Cell(int row, int cell, const SharedText& text) {
+    rows_.Cell(row, cell, text);
+    if (row < announced_) NoteWritten(row, cell);
+  }
 
   std::vector<std::uint32_t> Standing() const { return rows_.Standing(); }
   /// By the text of a column, case ignored.
@@ -55,6 +58,7 @@ class ListViewModel : public QAbstractTableModel {
     Qt::Alignment Alignment;
   };
 
+  void NoteWritten(int row, int cell);
   void AnnounceWritten();
 
   std::vector<Column> columns_;

@@ -5,6 +5,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <sys/stat.h>
@@ -21,6 +22,19 @@ inline std::string FolderOf(const std::string& path) { return path.substr(0, pat
 
 /// What follows the last separator.
 inline std::string NameOf(const std::string& path) { return path.substr(path.rfind('/') + 1); }
+
+/// Which folder it is, whatever path leads to it.
+struct FolderIdentity {
+  dev_t Device = 0;
+  ino_t Node = 0;
+  bool operator==(const FolderIdentity&) const = default;
+};
+
+inline std::optional<FolderIdentity> IdentityOf(const std::string& folder) {
+  struct stat info;
+  if (stat(folder.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) return std::nullopt;
+  return FolderIdentity{info.st_dev, info.st_ino};
+}
 
 /// The entries of a folder in the order of the directory, as they stand when the first is asked
 /// for.
@@ -106,15 +120,18 @@ inline bool CanBeRead(const std::string& path) {
 inline constexpr off_t LongestText = 0x7FFFFFFF;
 
 /// Opens what was an ordinary file at the last look; nothing where anything else has taken its name
-/// since, or for a longer text than can be read. Without O_NONBLOCK the open of a pipe would wait
-/// for a writer.
-inline Descriptor OpenOrdinary(int folder, const char* name) {
+/// since, or for a longer text than can be read. `info` tells of the file. Without O_NONBLOCK the
+/// open of a pipe would wait for a writer.
+inline Descriptor OpenOrdinary(int folder, const char* name, struct stat& info) {
   Descriptor file(openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  struct stat info;
   const bool readable = file && fstat(file.Number(), &info) == 0 && S_ISREG(info.st_mode) &&
                         info.st_size <= LongestText;
   if (!readable) file.Close();
   return file;
+}
+inline Descriptor OpenOrdinary(int folder, const char* name) {
+  struct stat info;
+  return OpenOrdinary(folder, name, info);
 }
 
 }  // namespace platform

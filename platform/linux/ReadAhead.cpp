@@ -1,14 +1,42 @@
 #include "platform/linux/ReadAhead.h"
 
+#include <algorithm>
 #include <fcntl.h>
+#include <new>
+#include <span>
+#include <sys/stat.h>
 #include <system_error>
+#include <utility>
 
 #include "platform/linux/Paths.h"
 
 namespace platform {
 
-FolderListing::FolderListing(const std::string& pattern) : path_(FolderOf(pattern)) {
-  DirectoryReader reader(path_);
+namespace {
+
+/// The whole of a file that fits into the room.
+std::optional<std::string_view> ReadWhole(int folder, const char* name, std::span<char> room) {
+  struct stat info;
+  const Descriptor file = OpenOrdinary(folder, name, info);
+  std::size_t size = 0;
+  while (file && size < room.size()) {
+    const ssize_t got = read(file.Number(), room.data() + size, room.size() - size);
+    if (got < 0) break;
+    size += static_cast<std::size_t>(got);
+    // All that it had when it was opened, or the end of one that has grown.
+    if (got == 0 || static_cast<off_t>(size) == info.st_size) {
+      return std::string_view(room.data(), size);
+    }
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+// --- FolderListing -----------------------------------------------------------------------------
+
+FolderListing::FolderListing(const std::string& pattern) {
+  DirectoryReader reader(FolderOf(pattern));
   if (!reader.IsOpen()) return;
   folder_ = Descriptor(openat(reader.Folder(), ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
   const NamePattern fitting(NameOf(pattern));
@@ -20,21 +48,25 @@ FolderListing::FolderListing(const std::string& pattern) : path_(FolderOf(patter
   }
 }
 
-std::optional<std::size_t> FolderListing::Find(std::string_view path) {
-  if (!folder_ || !path.starts_with(path_)) return std::nullopt;
-  path.remove_prefix(path_.size());
+std::optional<std::size_t> FolderListing::Find(std::string_view name) {
   constexpr std::size_t MostSkipped = 16;
   for (std::size_t file = next_; file < Count() && file <= next_ + MostSkipped; ++file) {
-    if (Name(file) != path) continue;
+    if (Name(file) != name) continue;
     next_ = file + 1;
     return file;
   }
   return std::nullopt;
 }
 
-ReadAhead::ReadAhead(const FolderListing& listing)
-    : listing_(listing), blocks_((listing.Count() + FilesOfBlock - 1) / FilesOfBlock) {
-  if (blocks_ < 2) return;
+// --- ReadAhead ---------------------------------------------------------------------------------
+
+ReadAhead::ReadAhead(std::string pattern, Begin begin) : pattern_(std::move(pattern)) {
+  if (begin == Begin::Early) {
+    changes_.emplace(FolderOf(pattern_));
+  } else {
+    List();
+    if (blocks_.size() < 2) return;
+  }
   try {
     thread_ = std::thread(&ReadAhead::Work, this);
   } catch (const std::system_error&) {
@@ -47,69 +79,100 @@ ReadAhead::~ReadAhead() {
     const std::lock_guard lock(mutex_);
     ended_ = true;
   }
-  changed_.notify_all();
+  advanced_.notify_all();
   if (thread_.joinable()) thread_.join();
 }
 
-std::optional<std::string_view> ReadAhead::Take(std::size_t file) {
-  const std::size_t number = file / FilesOfBlock;
+void ReadAhead::List() {
+  std::optional<FolderListing> listing;
+  std::vector<Block> blocks;
+  try {
+    listing.emplace(pattern_);
+    blocks.resize((listing->Count() + FilesOfBlock - 1) / FilesOfBlock);
+  } catch (const std::bad_alloc&) {
+    listing.reset();  // nothing is at hand then
+  }
+  const std::lock_guard lock(mutex_);
+  blocks_ = std::move(blocks);
+  listing_ = std::move(listing);
+  listed_ = true;
+  advanced_.notify_all();
+}
+
+bool ReadAhead::Settle() { return thread_.joinable() && changes_ && changes_->AddTo(changed_); }
+
+std::optional<std::string_view> ReadAhead::Take(std::string_view path) {
+  const std::size_t folder = pattern_.rfind('/') + 1;
+  if (!path.starts_with(std::string_view(pattern_).substr(0, folder))) return std::nullopt;
+  const std::string_view name = path.substr(folder);
+  {
+    std::unique_lock lock(mutex_);
+    advanced_.wait(lock, [this] { return listed_; });
+  }
+  const std::optional<std::size_t> file = listing_ ? listing_->Find(name) : std::nullopt;
+  if (!file || (!changed_.empty() && changed_.contains(std::string(name)))) return std::nullopt;
+  const std::size_t number = *file / FilesOfBlock;
   while (begun_ <= number) BeginNext();
-  return PlaceOf(number).Contents[file % FilesOfBlock];
+  return blocks_[number].Contents[*file % FilesOfBlock];
 }
 
 void ReadAhead::BeginNext() {
   std::unique_lock lock(mutex_);
   const std::size_t number = begun_++;
-  changed_.notify_all();
-  while (PlaceOf(number).Number != number) {
+  if (number > 0) {
+    ahead_ -= blocks_[number - 1].Size;
+    blocks_[number - 1] = {};
+  }
+  advanced_.notify_all();
+  while (!blocks_[number].Done) {
     if (MayRead()) {
-      ReadNext(lock);
+      ReadNext(lock, room_);
     } else {
-      changed_.wait(lock);
+      advanced_.wait(lock);
     }
   }
 }
 
 void ReadAhead::Work() {
+  if (!listed_) List();
+  Room room;
   std::unique_lock lock(mutex_);
-  for (;;) {
-    changed_.wait(lock, [this] { return ended_ || MayRead(); });
-    if (ended_) return;
-    ReadNext(lock);
+  while (!ended_ && next_ < blocks_.size()) {
+    if (MayRead()) {
+      ReadNext(lock, room);
+    } else {
+      advanced_.wait(lock);
+    }
   }
 }
 
-void ReadAhead::ReadNext(std::unique_lock<std::mutex>& lock) {
+void ReadAhead::ReadNext(std::unique_lock<std::mutex>& lock, Room& room) {
   const std::size_t number = next_++;
-  Block& block = PlaceOf(number);
+  Block& block = blocks_[number];
   lock.unlock();
-  Read(number, block);
+  if (!room) room.reset(new (std::nothrow) char[RoomOfBlock]);
+  if (room) Read(number, block, room.get());
   lock.lock();
-  block.Number = number;
-  changed_.notify_all();
+  block.Done = true;
+  ahead_ += block.Size;
+  advanced_.notify_all();
 }
 
-void ReadAhead::Read(std::size_t number, Block& block) const {
-  if (!block.Room) block.Room.reset(new char[RoomOfBlock]);
-  std::size_t used = 0;
+void ReadAhead::Read(std::size_t number, Block& block, char* room) const {
   const std::size_t first = number * FilesOfBlock;
-  for (std::size_t i = 0; i < FilesOfBlock && first + i < listing_.Count(); ++i) {
+  std::size_t used = 0;
+  for (std::size_t i = 0; i < FilesOfBlock && first + i < listing_->Count(); ++i) {
     block.Contents[i] =
-        ReadWhole(listing_.Name(first + i), {block.Room.get() + used, RoomOfBlock - used});
+        ReadWhole(listing_->Folder(), listing_->Name(first + i), {room + used, RoomOfBlock - used});
     if (block.Contents[i]) used += block.Contents[i]->size();
   }
-}
-
-std::optional<std::string_view> ReadAhead::ReadWhole(const char* name, std::span<char> room) const {
-  const Descriptor file = OpenOrdinary(listing_.Folder(), name);
-  std::size_t size = 0;
-  while (file && size < room.size()) {
-    const ssize_t got = read(file.Number(), room.data() + size, room.size() - size);
-    if (got == 0) return std::string_view(room.data(), size);
-    if (got < 0) break;
-    size += static_cast<std::size_t>(got);
+  block.Bytes.reset(new (std::nothrow) char[used]);
+  if (!block.Bytes) return block.Contents.fill(std::nullopt);
+  block.Size = static_cast<std::uint32_t>(used);
+  std::copy_n(room, used, block.Bytes.get());
+  for (auto& content : block.Contents) {
+    if (content) content = {block.Bytes.get() + (content->data() - room), content->size()};
   }
-  return std::nullopt;
 }
 
 }  // namespace platform

@@ -109,14 +109,7 @@ void ReportView::Clear() {
   horizontalScrollBar()->setValue(0);
 }
 
-void ReportView::Write(int row, int cell, const SharedText& text) {
-  rows_->Cell(row, cell, text);
-  SettleLater();
-}
-
-void ReportView::SettleLater() {
-  if (settleScheduled_) return;
-  settleScheduled_ = true;
+void ReportView::ScheduleSettle() {
   QMetaObject::invokeMethod(this, [this] { Settle(); }, Qt::QueuedConnection);
 }
 

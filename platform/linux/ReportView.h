@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include <QTreeView>
@@ -24,7 +25,10 @@ class ReportView : public QTreeView {
   void Add(const SharedText& text);
   void Remove(int row);
   void Clear();
-  void Write(int row, int cell, const SharedText& text);
+  void Write(int row, int cell, const SharedText& text) {
+    rows_->Cell(row, cell, text);
+    SettleLater();
+  }
 
   bool IsSelected(int row) const;
   void Select(int row, bool selected);
@@ -66,7 +70,10 @@ class ReportView : public QTreeView {
  private:
   void SetUpHeader(const std::vector<ColumnHeader>& columns);
   void RaiseColumnClick(int column);
-  void SettleLater();
+  void SettleLater() {
+    if (!std::exchange(settleScheduled_, true)) ScheduleSettle();
+  }
+  void ScheduleSettle();
   /// Puts rows into a new order, or drops some; selection, current row and sideways scroll position
   /// follow. `top` is the row then on top.
   void Arrange(const std::vector<std::uint32_t>& order, int top);

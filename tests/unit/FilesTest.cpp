@@ -125,6 +125,30 @@ TEST(Files, WhatTakesANameWithinARebuildIsNotRead) {
   }
 }
 
+TEST(Files, WhatChangesAfterReadingBeganIsReadAsItIs) {
+  const TemporaryFolder folder;
+  const auto name = [](int number) { return "in/" + std::to_string(number) + ".txt"; };
+  const std::function<void()> changes[] = {
+      [&] {
+        folder.Write(name(3), "soon"), folder.Write(name(4), "longer"), folder.Write(name(400));
+        unlink(folder.Path(name(50)).c_str());
+        rename(folder.Path(name(60)).c_str(), folder.Path(name(70)).c_str());
+      },
+      [&] { std::filesystem::rename(folder.Path("in"), folder.Path("out")); }};
+  for (const auto& change : changes) {
+    for (int i = 0; i < 300; ++i) folder.Write(name(i), std::to_string(i));
+    FolderAtHand::ComesSoon(folder.Path("in/*.txt"));
+    usleep(50'000);  // by then most has been read
+    change();
+    const FolderAtHand changed(folder.Path("in/*.txt"));
+    for (int i = 0; i <= 400; ++i) {
+      InputFile file(folder.Path(name(i)));
+      EXPECT_EQ(file.IsOpen(), folder.Has(name(i))) << i;
+      EXPECT_EQ(file.LineInput(), folder.Read(name(i))) << i;
+    }
+  }
+}
+
 // Between two calls of the kernel the place where a listing of tmpfs paused can be gone.
 TEST(Files, AFolderThatIsBeingEmptiedGivesEveryFileOnce) {
   const TemporaryFolder folder("/dev/shm");

@@ -4,7 +4,7 @@ import os
 import re
 from pathlib import Path
 
-from harness import (ROOT, DesktopTest, act_until, cookies, front, key, main, run, viewers,
+from harness import (ROOT, DesktopTest, act_until, front, key, main, run, viewers,
                      wait_until)
 
 BUILD = Path(os.environ.get("QUILLMERE_BUILD_DIR", ROOT / "build/release"))
@@ -32,8 +32,7 @@ class PortableTest(DesktopTest):
 
     def test_archive(self):
         program = self.unpacked.start()
-        (program.cookies / "a.txt").write_bytes(cookies("id"))
-        wait_until(lambda: "added: a.txt" in "".join(program.log_lines()), "its line")
+        self.check_try_it(program, (program.folder / "help/try.html").read_text())
         for part in ("help", "sound"):
             run("diff", "-r", ROOT / "assets" / part, program.folder / part)
         for file in re.findall(r"\]\(([^)]+)\)", (program.folder / "README.md").read_text()):
@@ -47,11 +46,22 @@ class PortableTest(DesktopTest):
         act_until(program.control("link", address).click, told.exists, "the browser")
         self.wait_for_equal(told.read_text, f"{program.folder}||{address}\n")
 
+    def check_try_it(self, program, page):
+        """The lines that the help wants to be tried do what it tells."""
+        lines = re.search("<pre>(.*?)</pre>", page, re.DOTALL)[1]
+        (program.cookies / "try.txt").write_text(lines + "\n")
+        told = re.search("Cookie file added: try.txt, [^,]*", page)[0]
+        wait_until(lambda: told in "".join(program.log_lines()), "its line")
+        program.select_tab("Cookies")
+        row, = wait_until(program.control("tree", "Cookies").rows, "its row")
+        self.assertEqual(row[0], "shop.example")
+        self.assertRegex(row[1], "^2031-01-31")
+
     def check_help(self, folder):
         """Every page is reached by links, and every picture is on one."""
         reached = ["index.html"]
         for page in reached:  # which grows meanwhile
-            links = re.findall(r'(?:href|src)="([^":]*)"', (folder / page).read_text("latin-1"))
+            links = re.findall(r'(?:href|src)="([^":#]*)["#]', (folder / page).read_text("latin-1"))
             reached += sorted({*links} - {*reached})
         self.assertEqual({folder / each for each in reached},
                          {*folder.glob("*.html"), *folder.glob("pictures/*.png")})

@@ -63,14 +63,14 @@ class SettingsTest(DesktopTest):
         program.start()
         self.assertEqual(self.shown(program), (True, False, False, False))
 
-    def check_autostart(self, program, entry):
-        """The entry is valid, and what a desktop starts from it is this program, hidden."""
+    def check_entry(self, program, entry, *switch):
+        """The entry is valid, and what a desktop starts from it is this program."""
         run("desktop-file-validate", entry)
         keys = GLib.KeyFile()
         keys.load_from_file(str(entry), GLib.KeyFileFlags.NONE)
         icon = keys.get_string("Desktop Entry", "Icon")
         self.assertEqual(Path(icon).read_bytes(), (ROOT / "assets/quillmere.png").read_bytes())
-        command = program.folder / "quillmere", "/1"
+        command = program.folder / "quillmere", *switch
         self.desktop.start("gio", "launch", str(entry), env=program.env)
         pid, = wait_until(lambda: running(*command), f"{command} to run")
         os.kill(pid, signal.SIGTERM)
@@ -82,15 +82,24 @@ class SettingsTest(DesktopTest):
         program.select_tab("Options")
         program.tick("Start with windows")
         wait_until(entry.exists, "the entry")
-        self.check_autostart(program, entry)
+        self.check_entry(program, entry, "/1")
         program.end()
         # A moved program puts the entry right at its next start.
         self.move(program, "it's \"50%\" %f a$HOME`x` back\\slash; &ü")
         program.start()
-        self.check_autostart(program, entry)
+        self.check_entry(program, entry, "/1")
         program.select_tab("Options")
         program.tick("Start with windows")
         wait_until(lambda: not entry.exists(), "the entry to go")
+        program.end()
+        self.check_menu(program)
+
+    def check_menu(self, program):
+        starter = self.desktop.home / "data/applications/quillmere.desktop"
+        run(program.folder / "quillmere-menu", "add")
+        self.check_entry(program, starter)
+        run(program.folder / "quillmere-menu", "remove")
+        self.assertFalse(starter.exists())
 
 
 if __name__ == "__main__":

@@ -3,7 +3,7 @@
 #include <QApplication>
 #endif
 
-#include "tests/unit/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 int main(int argc, char** argv) {
   static const Sandbox sandbox;  // Static: a test of an exit never comes back here.

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "tests/unit/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 /// Called with one input. What a sanitizer finds and what `Require` finds ends the process.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);

@@ -26,9 +26,9 @@
 #include "core/PublicDim.h"
 #include "monitor/WatchFlags.h"
 #include "platform/linux/Widgets.h"
-#include "tests/CookieFolder.h"
 #include "tests/model/Model.h"
 #include "tests/model/Yields.h"
+#include "tests/support/CookieFolder.h"
 #include "ui/FormMain.h"
 
 namespace fs = std::filesystem;

@@ -7,10 +7,13 @@
 #include "cookies/CookieFileReader.h"
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
+#include "platform/Application.h"
 #include "platform/Files.h"
+#include "tests/support/Machine.h"
 
 int main(int, char** argv) {
-  PublicDim.CookieDir = std::string(argv[1]) + "/";
+  machine::WriteBytesAsTheyAre();
+  PublicDim.CookieDir = std::string(argv[1]).append(platform::PathSeparator);
   TakeFirstSnapshot();
   PublicDim.CookieRows.resize(1);
   const platform::FolderAtHand folder(PublicDim.CookieDir + "*.txt");

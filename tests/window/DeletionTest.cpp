@@ -9,7 +9,7 @@
 #include "cookies/DeleteCookieFiles.h"
 #include "core/PublicDim.h"
 #include "platform/Forms.h"
-#include "tests/CookieFolder.h"
+#include "tests/support/CookieFolder.h"
 #include "tests/window/CookieLists.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "cookies/CookieDetail.h"
 #include "cookies/CookieList.h"
 #include "core/PublicDim.h"
-#include "tests/CookieFolder.h"
+#include "tests/support/CookieFolder.h"
 #include "tests/window/CookieLists.h"
 
 namespace {

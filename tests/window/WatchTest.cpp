@@ -9,7 +9,7 @@
 
 #include "core/PublicDim.h"
 #include "monitor/WatchFlags.h"
-#include "tests/CookieFolder.h"
+#include "tests/support/CookieFolder.h"
 #include "tests/window/CookieLists.h"
 #include "ui/FormMain.h"
 

@@ -9,7 +9,7 @@
 
 #include "platform/Files.h"
 #include "platform/linux/Trash.h"
-#include "tests/unit/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 namespace {
 
@@ -139,21 +139,15 @@ TEST_F(RecycleBin, ReadsTheMountPointsThatCanHoldATrash) {
             (std::vector<std::string>{"/", "/media/My Disk\\"}));
 }
 
-TEST_F(RecycleBin, TellsWhichFoldersMayBeCleared) {
+TEST_F(RecycleBin, FoldersToClearAreLookedAtThroughLinks) {
   const std::string home = Path("home");
   fs::create_directory(home + "/cookies");
   Link("home/good-link", "cookies");
   Link("home-link", home);
   Link("root-link", "/");
-  top_.Write("home/file");
-  for (const char* folder : {"/cookies/", "/cookies", "/good-link/"}) {
-    EXPECT_TRUE(platform::IsSafeToClear(home + folder)) << folder;
-  }
-  const WorkingFolder working(home);
-  for (const std::string& folder : Names{"", "\\", "C:\\", "/", "//", "cookies/", home, home + "/",
-                                         Path(""), home + "/cookies/..", home + "/gone",
-                                         home + "/file", Path("home-link/"), Path("root-link/")}) {
-    EXPECT_FALSE(platform::IsSafeToClear(folder)) << folder;
+  EXPECT_TRUE(platform::IsSafeToClear(home + "/good-link/"));
+  for (const char* link : {"home-link/", "root-link/"}) {
+    EXPECT_FALSE(platform::IsSafeToClear(Path(link))) << link;
   }
   setenv("HOME", Path("home-link").c_str(), 1);
   EXPECT_FALSE(platform::IsSafeToClear(home)) << "another way to the same folder";

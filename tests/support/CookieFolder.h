@@ -6,7 +6,7 @@
 
 #include "core/PublicDim.h"
 #include "monitor/WatchFlags.h"
-#include "tests/unit/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 /// A record of a cookie file: nine lines, each ended by LF. Its expiry lies at noon, UTC.
 inline std::string Record(const std::string& name, const std::string& value,

@@ -9,7 +9,7 @@
 #include "core/SpecialFolders.h"
 #include "platform/ShellFolders.h"
 #include "platform/linux/AutostartEntry.h"
-#include "tests/unit/TemporaryFolder.h"
+#include "tests/support/TemporaryFolder.h"
 
 TEST(Autostart, KnowsTheEntriesThatAreOn) {
   const TemporaryFolder folder;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -7,50 +8,56 @@
 #include <string>
 #include <string_view>
 
+#include "tests/support/Machine.h"
+
 using Names = std::multiset<std::string>;
 
 /// A folder of its own for one test, gone with it.
 class TemporaryFolder {
  public:
   explicit TemporaryFolder(
-      const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
-    std::string name = (parent / "unit-XXXXXX").string();
-    folder_ = std::string(mkdtemp(name.data())) + '/';
-  }
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+      : folder_(machine::MakeOwnFolder(parent)) {}
   TemporaryFolder(TemporaryFolder&&) = delete;
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(folder_, ignored);
-  }
+  ~TemporaryFolder() { machine::RemoveFolder(folder_); }
 
-  /// The folder ends in a separator.
-  std::string Path(std::string_view name = {}) const { return folder_ + std::string(name); }
+  /// The folder ends in a separator. Those in `name` are "/".
+  std::string Path(std::string_view name = {}) const {
+    std::string path = folder_ + std::string(name);
+    std::replace(path.begin(), path.end(), '/', machine::Separator);
+    return path;
+  }
 
   /// Writes a file, in folders that are made where missing.
   std::string Write(std::string_view name, std::string_view content = "text") const {
-    std::filesystem::create_directories(std::filesystem::path(Path(name)).parent_path());
-    std::ofstream(Path(name), std::ios::binary) << content;
+    const std::filesystem::path path = Native(name);
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << content;
     return Path(name);
   }
 
   std::string Read(std::string_view name) const {
-    std::ifstream file(Path(name), std::ios::binary);
+    std::ifstream file(Native(name), std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};
   }
 
   bool Has(std::string_view name) const {
-    return std::filesystem::exists(std::filesystem::symlink_status(Path(name)));
+    return std::filesystem::exists(std::filesystem::symlink_status(Native(name)));
   }
 
   Names Entries() const {
     Names names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder_)) {
-      names.insert(entry.path().filename());
+    for (const auto& entry : std::filesystem::directory_iterator(Native(""))) {
+      names.insert(machine::PathText(entry.path().filename()));
     }
     return names;
   }
 
  private:
+  std::filesystem::path Native(std::string_view name) const {
+    return machine::NativePath(Path(name));
+  }
+
   std::string folder_;
 };
 
@@ -58,20 +65,15 @@ class TemporaryFolder {
 /// whoever runs the tests must neither change a result nor be changed.
 class Sandbox : public TemporaryFolder {
  public:
-  Sandbox() {
-    setenv("HOME", Path("home").c_str(), 1);
-    setenv("XDG_CONFIG_HOME", Path("config").c_str(), 1);
-    setenv("XDG_DATA_HOME", Path("data").c_str(), 1);
-    setenv("QT_QPA_PLATFORM", "offscreen", 1);
-    setenv("LC_ALL", "en_US.UTF-8", 1);
-    setenv("TZ", "UTC", 1);
-  }
+  Sandbox() { machine::UseFolder(Path()); }
 };
 
 /// Makes a folder the working folder for a while.
 class WorkingFolder {
  public:
-  explicit WorkingFolder(const std::string& folder) { std::filesystem::current_path(folder); }
+  explicit WorkingFolder(const std::string& folder) {
+    std::filesystem::current_path(machine::NativePath(folder));
+  }
   WorkingFolder(WorkingFolder&&) = delete;
   ~WorkingFolder() { std::filesystem::current_path(before_); }
 

@@ -1,0 +1,12 @@
+# GTest::gtest and GTest::gtest_main for another machine, from the sources that Debian has for that.
+set(sources /usr/src/googletest/googletest)
+if(NOT EXISTS ${sources})
+  return()
+endif()
+set(GTest_FOUND TRUE)
+add_library(gtest STATIC ${sources}/src/gtest-all.cc)
+target_include_directories(gtest SYSTEM PUBLIC ${sources}/include PRIVATE ${sources})
+add_library(gtest_main STATIC ${sources}/src/gtest_main.cc)
+target_link_libraries(gtest_main PUBLIC gtest)
+add_library(GTest::gtest ALIAS gtest)
+add_library(GTest::gtest_main ALIAS gtest_main)

@@ -1,0 +1,68 @@
+#include "platform/windows/System.h"
+
+#include <array>
+#include <cwchar>
+
+#include "platform/Files.h"
+#include "platform/windows/Paths.h"
+
+namespace platform {
+namespace {
+
+bool IsSame(const BY_HANDLE_FILE_INFORMATION& one, const BY_HANDLE_FILE_INFORMATION& other) {
+  return one.dwVolumeSerialNumber == other.dwVolumeSerialNumber &&
+         one.nFileIndexHigh == other.nFileIndexHigh && one.nFileIndexLow == other.nFileIndexLow;
+}
+
+bool IsRootOfVolume(const std::wstring& folder) {
+  std::wstring root(folder.size() + 2, L'\0');
+  const bool known =
+      GetVolumePathNameW(folder.c_str(), root.data(), static_cast<DWORD>(root.size())) != 0;
+  return !known || std::wcslen(root.c_str()) >= folder.size();
+}
+
+/// Whether `wanted` is met on the way from a folder up to the root. A folder that isn't there is
+/// below nothing.
+bool IsOnTheWayUp(const BY_HANDLE_FILE_INFORMATION& wanted, const std::wstring& from) {
+  const SystemHandle opened = OpenExisting(from, FILE_READ_ATTRIBUTES);
+  if (!opened) return GetLastError() == ERROR_ACCESS_DENIED;
+  std::wstring at = FinalPath(opened);
+  if (at.empty()) return true;
+  constexpr std::wstring_view Prefix = L"\\\\?\\";
+  for (at += L'\\'; at.size() > Prefix.size(); at.resize(at.rfind(L'\\') + 1)) {
+    const auto info = InfoOf(at);
+    if (info && IsSame(*info, wanted)) return true;
+    at.pop_back();
+  }
+  return false;
+}
+
+/// The home folder by the user's account, whatever the environment says.
+std::wstring AccountHome() {
+  std::array<wchar_t, MAX_PATH> home{};
+  SHGetFolderPathW(nullptr, CSIDL_PROFILE, nullptr, SHGFP_TYPE_CURRENT, home.data());
+  return home.data();
+}
+
+std::wstring EnvironmentHome() {
+  std::array<wchar_t, 0x8000> home{};
+  GetEnvironmentVariableW(L"USERPROFILE", home.data(), static_cast<DWORD>(home.size()));
+  return home.data();
+}
+
+}  // namespace
+
+bool IsSafeToClear(const std::string& folder) {
+  const SystemHandle opened = OpenExisting(SystemPath(folder), FILE_READ_ATTRIBUTES);
+  BY_HANDLE_FILE_INFORMATION info;
+  if (!opened || GetFileInformationByHandle(opened.Get(), &info) == 0 || !IsFolder(info) ||
+      IsRootOfVolume(FinalPath(opened))) {
+    return false;
+  }
+  for (const std::wstring& home : {AccountHome(), EnvironmentHome()}) {
+    if (!home.empty() && IsOnTheWayUp(info, home)) return false;
+  }
+  return true;
+}
+
+}  // namespace platform

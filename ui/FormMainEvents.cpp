@@ -60,7 +60,6 @@ void FormMain::Form_Load() {
   } else {
     Show();
   }
-  ExpectCookieList(WindowState());
   CmdStart_Click();
 }
 

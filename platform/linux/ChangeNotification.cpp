@@ -16,6 +16,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <variant>
 #include <vector>
@@ -37,42 +38,62 @@ constexpr std::uint32_t LossEvents = SelfEvents | IN_IGNORED | IN_UNMOUNT;
 
 /// Last write times by name. The kernel reports a changed mode and a set write time as one and the
 /// same event; only the time itself tells them apart. Names are kept as their hashes: a folder may
-/// hold a hundred thousand.
+/// hold a million.
 class WriteTimes {
  public:
-  void Fill(const std::string& folder) {
+  /// Begins to learn the times of a folder anew. A file that is not known yet counts as changed.
+  void Begin(const std::string& folder) {
     times_.clear();
-    DirectoryReader reader(folder);
+    learnt_.clear();
+    unread_.emplace(folder);
+    if (!unread_->IsOpen()) unread_.reset();
+  }
+
+  bool IsComplete() const { return !unread_; }
+
+  /// Learns more for a moment: a million files take seconds.
+  void LearnOn() {
+    constexpr auto Moment = std::chrono::milliseconds(5);
+    const auto end = Clock::now() + Moment;
     DirectoryReader::Entry entry;
-    while (reader.IsOpen() && reader.Next(entry)) {
-      if (entry.Type != DT_DIR) Update(reader.Folder(), entry.Name);
+    while (unread_ && Clock::now() < end) {
+      if (!unread_->Next(entry)) {
+        unread_.reset();
+      } else if (entry.Type != DT_DIR && !times_.contains(Hash(entry.Name))) {
+        Update(unread_->Folder(), entry.Name);
+        learnt_.insert(Hash(entry.Name));
+      }
     }
   }
 
-  void Forget(std::string_view name) { times_.erase(std::hash<std::string_view>{}(name)); }
+  /// All events have been taken in that were recorded before the last learning ended: what is told
+  /// of from now on happened after it.
+  void CaughtUp() { learnt_.clear(); }
 
-  /// Takes in the present time of a file. True when it is not the one known. `name` ends in a NUL.
+  void Forget(std::string_view name) { times_.erase(Hash(name)); }
+
+  /// Takes in the present time of a file. True when it is not the one known, or when that may have
+  /// been learnt after the event that told of the file. `name` ends in a NUL.
   bool Update(int folder, std::string_view name) {
     struct statx info;
     if (statx(folder, name.data(), AT_SYMLINK_NOFOLLOW, STATX_MTIME, &info) != 0) {
       Forget(name);
       return false;
     }
-    const Time time{info.stx_mtime.tv_sec, info.stx_mtime.tv_nsec};
-    const auto [known, added] = times_.try_emplace(std::hash<std::string_view>{}(name), time);
-    const bool changed = added || !(known->second == time);
-    known->second = time;
-    return changed;
+    constexpr std::uint64_t NanosecondsPerSecond = 1'000'000'000;
+    const std::uint64_t time =
+        static_cast<std::uint64_t>(info.stx_mtime.tv_sec) * NanosecondsPerSecond +
+        info.stx_mtime.tv_nsec;
+    const auto [known, added] = times_.try_emplace(Hash(name), time);
+    return std::exchange(known->second, time) != time || added || learnt_.contains(Hash(name));
   }
 
  private:
-  struct Time {
-    std::int64_t Seconds;
-    std::uint32_t Nanoseconds;
-    bool operator==(const Time&) const = default;
-  };
+  static std::size_t Hash(std::string_view name) { return std::hash<std::string_view>{}(name); }
 
-  std::unordered_map<std::size_t, Time> times_;
+  std::unordered_map<std::size_t, std::uint64_t> times_;
+  std::optional<DirectoryReader> unread_;   ///< The files not looked at yet.
+  std::unordered_set<std::size_t> learnt_;  ///< Since the events were last taken in.
 };
 
 class Watch {
@@ -95,6 +116,15 @@ class Watch {
     } else {
       ReadEvents();
     }
+    return signalled_;
+  }
+
+  bool KnowsAllTimes() const { return times_.IsComplete(); }
+  /// Returns the signal.
+  bool LearnOn() {
+    times_.LearnOn();
+    ReadEvents();
+    times_.CaughtUp();
     return signalled_;
   }
 
@@ -125,8 +155,13 @@ class Watch {
     identity_ = *identity;
     readable_ = IsReadable();
     counting_ = (names ? NameEvents : 0u) | (writes ? static_cast<std::uint32_t>(IN_MODIFY) : 0u);
-    if (writes) times_.Fill(folder_);
+    if (writes) LearnAnew();
     return true;
+  }
+
+  void LearnAnew() {
+    times_.Begin(folder_);
+    LearnOn();
   }
 
   void Lose() {
@@ -147,7 +182,7 @@ class Watch {
     LookAtWritten();
     if (overflowed) {
       signalled_ = true;
-      if ((filter_ & FILE_NOTIFY_CHANGE_LAST_WRITE) != 0) times_.Fill(folder_);
+      if ((filter_ & FILE_NOTIFY_CHANGE_LAST_WRITE) != 0) LearnAnew();
     }
     if (lost) Lose();
   }
@@ -270,14 +305,16 @@ std::uint32_t WaitForSingleObject(HANDLE handle, std::uint32_t milliseconds) {
   const auto end = Clock::now() + std::chrono::milliseconds(milliseconds);
   WindowEvents window;
   for (;;) {
+    const bool learns = listens && !watch->KnowsAllTimes();
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now()).count();
-    const int wait = static_cast<int>(std::clamp<std::int64_t>(left, 0, INT32_MAX));
+    const int wait = learns ? 0 : static_cast<int>(std::clamp<std::int64_t>(left, 0, INT32_MAX));
     const Woken woken = window.Wait(watch == nullptr ? -1 : watch->EventSource(), wait);
     // Window events that are pending end the wait before it has listened to the watch.
     if ((woken.ByWatch || woken.ByWindow) && watch != nullptr && watch->TakeIn()) {
       return WAIT_OBJECT_0;
     }
     if (woken.ByWindow || Clock::now() >= end) break;
+    if (learns && watch->LearnOn()) return WAIT_OBJECT_0;
   }
   return watch != nullptr && watch->LooksElsewhere() ? WAIT_OBJECT_0 : WAIT_TIMEOUT;
 }

@@ -37,3 +37,21 @@ TEST(Inotify, AnOverflowIsAChangeAndLosesNoTouch) {
   EXPECT_TRUE(changed());
   FindCloseChangeNotification(handle);
 }
+
+TEST(Inotify, TheTimesOfALargeFolderAreLearntWhileItIsWatched) {
+  const TemporaryFolder large("/dev/shm");
+  constexpr int Files = 10'000;
+  for (int i = 0; i < Files; ++i) large.Write(std::to_string(i));
+  const auto file = [&](int number) { return large.Path(std::to_string(number * 7919 % Files)); };
+  const HANDLE handle =
+      FindFirstChangeNotificationA(large.Path(), 0, FILE_NOTIFY_CHANGE_LAST_WRITE);
+  for (int i = 0; i < 30; ++i) {
+    fs::last_write_time(file(i), fs::file_time_type(std::chrono::hours(i)));
+    EXPECT_EQ(WaitForSingleObject(handle, 5000), WAIT_OBJECT_0) << i;
+    FindNextChangeNotification(handle);
+  }
+  EXPECT_EQ(WaitForSingleObject(handle, 500), WAIT_TIMEOUT);
+  for (int i = 0; i < Files; ++i) chmod(file(i).c_str(), 0600);
+  EXPECT_EQ(WaitForSingleObject(handle, 0), WAIT_TIMEOUT);
+  FindCloseChangeNotification(handle);
+}

@@ -23,6 +23,7 @@ struct SYSTEMTIME {
   std::uint16_t wHour = 0;
   std::uint16_t wMinute = 0;
   std::uint16_t wSecond = 0;
+  bool operator==(const SYSTEMTIME&) const = default;
 };
 
 inline constexpr std::uint32_t FILE_ATTRIBUTE_READONLY = 1;

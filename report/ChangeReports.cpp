@@ -24,7 +24,16 @@ void RememberFile(const CookieFileRow& row) {
 
 }  // namespace
 
-std::string PresentDateAndTime() { return platform::GeneralDate(platform::Now()); }
+const std::string& PresentDateAndTime() {
+  static platform::SYSTEMTIME known;
+  static std::string text;
+  const platform::SYSTEMTIME now = platform::Now();
+  if (now != known) {
+    known = now;
+    text = platform::GeneralDate(now);
+  }
+  return text;
+}
 
 std::string ModifiedLine(const std::string& now, const CookieFileRow& before,
                          const CookieFileRow& after) {

@@ -23,4 +23,4 @@ void TellOfAdded(platform::ListBox& log, const CookieFileRow& row);
 void TellOfRemoved(platform::ListBox& log, const CookieFileRow& row);
 
 /// The present date and time as a log line begins with it.
-std::string PresentDateAndTime();
+const std::string& PresentDateAndTime();

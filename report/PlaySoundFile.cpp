@@ -3,6 +3,7 @@
 #include <string>
 
 #include "core/AtScopeEnd.h"
+#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "platform/MediaControl.h"
 
@@ -14,9 +15,10 @@ bool& OptionOf(int which) { return which == 1 ? PublicDim.PlaySound1 : PublicDim
 
 void PlaySoundFile(int which) {
   if (!OptionOf(which)) return;
-  const std::string device = '"' + PublicDim.SoundDir + (which == 1 ? "1.wav" : "2.wav") + '"';
-  for (const char* command : {"close ", "open ", "play "}) {
-    platform::mciSendStringA(command + device, nullptr, 0, 0);
+  const char* const name = which == 1 ? "1.wav" : "2.wav";
+  for (const char* verb : {"close", "open", "play"}) {
+    const std::string command = Joined({verb, " \"", PublicDim.SoundDir, name, "\""});
+    platform::mciSendStringA(command, nullptr, 0, 0);
   }
 }
 

@@ -18,21 +18,22 @@ std::tm LocalTime(std::time_t moment) {
   return local;
 }
 
-std::int64_t ZoneOffsetNow() {
+/// Worked out once a second: a large folder asks a million times in a few.
+const std::tm& LocalTimeNow() {
   static std::time_t known = -1;
-  static std::int64_t offset = 0;
+  static std::tm local{};
   const std::time_t now = std::time(nullptr);
   if (now != known) {
     known = now;
-    offset = LocalTime(now).tm_gmtoff;
+    local = LocalTime(now);
   }
-  return offset;
+  return local;
 }
 
 }  // namespace
 
 SYSTEMTIME Now() {
-  const std::tm local = LocalTime(std::time(nullptr));
+  const std::tm& local = LocalTimeNow();
   return {static_cast<std::uint16_t>(local.tm_year + 1900),
           static_cast<std::uint16_t>(local.tm_mon + 1),
           static_cast<std::uint16_t>(local.tm_mday),
@@ -42,7 +43,7 @@ SYSTEMTIME Now() {
 }
 
 int FileTimeToLocalFileTime(const FILETIME& utc, FILETIME& local) {
-  const std::optional<FILETIME> moved = Moved(utc, ZoneOffsetNow());
+  const std::optional<FILETIME> moved = Moved(utc, LocalTimeNow().tm_gmtoff);
   if (moved) local = *moved;
   return moved ? 1 : 0;
 }

@@ -1,11 +1,16 @@
 #include <algorithm>
+#include <array>
+#include <chrono>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include <QAbstractListModel>
 #include <QApplication>
 #include <QClipboard>
+#include <QDeadlineTimer>
+#include <QFontMetrics>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QListView>
@@ -29,15 +34,16 @@ class LinesModel : public QAbstractListModel {
     ends_.push_back(text_.size());
   }
   int Count() const { return static_cast<int>(ends_.size()); }
-  bool HasNew() const { return announced_ < Count(); }
-  std::string Line(int index) const {
-    return index >= 0 && index < Count() ? std::string(View(index)) : std::string();
+  /// An empty one where there is none.
+  std::string_view Line(int index) const {
+    return index >= 0 && index < Count() ? View(index) : std::string_view();
   }
 
-  void Announce() {
-    if (!HasNew()) return;
-    beginInsertRows({}, announced_, Count() - 1);
-    announced_ = Count();
+  /// The lines before `end`.
+  void Announce(int end) {
+    if (end <= announced_) return;
+    beginInsertRows({}, announced_, end - 1);
+    announced_ = end;
     endInsertRows();
   }
 
@@ -69,14 +75,42 @@ class LineDelegate : public QStyledItemDelegate {
  public:
   using QStyledItemDelegate::QStyledItemDelegate;
 
-  int Widest = 0;  ///< Of the texts, in pixels.
+  /// Forgets the widest, and how wide letters are.
+  void Begin(const QFontMetrics& metrics) {
+    widest_ = 0;
+    for (std::size_t letter = ' '; letter < letters_.size(); ++letter) {
+      letters_[letter] = metrics.horizontalAdvance(QChar(static_cast<char16_t>(letter)));
+    }
+  }
+
+  void Measure(std::string_view line, const QFontMetrics& metrics) {
+    if (letters_[' '] == 0) Begin(metrics);
+    if (CannotBeWider(line)) return;
+    widest_ = std::max(widest_, metrics.horizontalAdvance(DisplayText(line)));
+  }
 
   QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex&) const override {
     constexpr int Room = 2;
     const QStyle* style = option.widget->style();
     const int margin = style->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, option.widget) + 1;
-    return {Widest + 2 * margin, option.fontMetrics.height() + Room};
+    return {widest_ + 2 * margin, option.fontMetrics.height() + Room};
   }
+
+ private:
+  /// Told by its letters one by one, which takes a twentieth of the time of measuring it. Rounded
+  /// and side by side they can differ a little from what they take alone.
+  bool CannotBeWider(std::string_view line) const {
+    int width = static_cast<int>(line.size() / 8);
+    for (const char letter : line) {
+      const auto byte = static_cast<unsigned char>(letter);
+      if (byte < ' ' || byte >= letters_.size()) return false;
+      width += letters_[byte];
+    }
+    return width <= widest_;
+  }
+
+  int widest_ = 0;                  ///< Of the texts, in pixels.
+  std::array<int, 127> letters_{};  ///< Widths of the plain ones.
 };
 
 class LinesView : public QListView {
@@ -95,9 +129,7 @@ class LinesView : public QListView {
 
   void Add(std::string_view line) {
     lines_->Add(line);
-    if (settleScheduled_) return;
-    settleScheduled_ = true;
-    QMetaObject::invokeMethod(this, [this] { Settle(); }, Qt::QueuedConnection);
+    SettleLater();
   }
 
  protected:
@@ -109,25 +141,37 @@ class LinesView : public QListView {
 
   void changeEvent(QEvent* event) override {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange) {
-      delegate_->Widest = 0;
-      Measure(0);
+      delegate_->Begin(fontMetrics());
+      Measure(0, QDeadlineTimer::Forever);
       scheduleDelayedItemsLayout();
     }
     QListView::changeEvent(event);
   }
 
  private:
-  void Settle() {
-    settleScheduled_ = false;
-    Measure(lines_->rowCount());
-    lines_->Announce();
+  void SettleLater() {
+    if (std::exchange(settleScheduled_, true)) return;
+    QMetaObject::invokeMethod(this, [this] { Settle(); }, Qt::QueuedConnection);
   }
 
-  void Measure(int first) {
-    for (int i = first; i < lines_->Count(); ++i) {
-      const int width = fontMetrics().horizontalAdvance(DisplayText(lines_->Line(i)));
-      delegate_->Widest = std::max(delegate_->Widest, width);
+  /// A storm of lines is taken in piece by piece, with other events in between.
+  void Settle() {
+    using std::chrono_literals::operator""ms;
+    settleScheduled_ = false;
+    lines_->Announce(Measure(lines_->rowCount(), QDeadlineTimer(20ms)));
+    if (lines_->rowCount() < lines_->Count()) SettleLater();
+  }
+
+  /// Returns how many have been measured when the time is up.
+  int Measure(int first, QDeadlineTimer timeUp) {
+    constexpr int AtOnce = 256;
+    const QFontMetrics metrics = fontMetrics();
+    int measured = first;
+    while (measured < lines_->Count() && (measured == first || !timeUp.hasExpired())) {
+      const int end = std::min(lines_->Count(), measured + AtOnce);
+      for (; measured < end; ++measured) delegate_->Measure(lines_->Line(measured), metrics);
     }
+    return measured;
   }
 
   void CopySelected() const {
@@ -153,7 +197,7 @@ void ListBox::AddItem(std::string_view line) { static_cast<LinesView*>(Widget(*t
 int ListBox::ListCount() const { return static_cast<LinesView*>(Widget(*this))->Lines().Count(); }
 
 std::string ListBox::List(int index) const {
-  return static_cast<LinesView*>(Widget(*this))->Lines().Line(index);
+  return std::string(static_cast<LinesView*>(Widget(*this))->Lines().Line(index));
 }
 
 }  // namespace platform

@@ -1,7 +1,9 @@
 #include "platform/linux/SoundPlayer.h"
 
+#include <functional>
 #include <map>
 #include <mutex>
+#include <string>
 #include <system_error>
 #include <thread>
 #include <utility>
@@ -13,6 +15,8 @@ namespace platform {
 namespace {
 
 enum class Wish { Play, Stop };
+/// By the files' paths.
+using Wishes = std::map<std::string, Wish, std::less<>>;
 
 class SoundThread {
  public:
@@ -24,10 +28,15 @@ class SoundThread {
     }
   }
 
-  void Note(const std::string& path, Wish wish) {
+  void Note(std::string_view path, Wish wish) {
     {
       const std::lock_guard lock(mutex_);
-      wishes_[path] = wish;
+      const auto known = wishes_.find(path);
+      if (known == wishes_.end()) {
+        wishes_.emplace(path, wish);
+      } else {
+        known->second = wish;
+      }
       if (std::exchange(awake_, true)) return;
     }
     server_.Wake();
@@ -42,15 +51,15 @@ class SoundThread {
     }
   }
 
-  std::map<std::string, Wish> TakeWishes() {
+  Wishes TakeWishes() {
     const std::lock_guard lock(mutex_);
     awake_ = false;
     return std::exchange(wishes_, {});
   }
 
   std::mutex mutex_;
-  std::map<std::string, Wish> wishes_;  ///< The latest for each file; older ones are folded in.
-  bool awake_ = false;                  ///< The wait has been ended for what is in `wishes_`.
+  Wishes wishes_;       ///< The latest for each file; older ones are folded in.
+  bool awake_ = false;  ///< The wait has been ended for what is in `wishes_`.
   SoundServer server_;
 };
 
@@ -62,7 +71,7 @@ SoundThread& Thread() {
 
 }  // namespace
 
-void StartSound(const std::string& path) { Thread().Note(path, Wish::Play); }
-void StopSound(const std::string& path) { Thread().Note(path, Wish::Stop); }
+void StartSound(std::string_view path) { Thread().Note(path, Wish::Play); }
+void StopSound(std::string_view path) { Thread().Note(path, Wish::Stop); }
 
 }  // namespace platform

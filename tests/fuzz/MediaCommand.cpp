@@ -10,8 +10,8 @@
 
 static std::vector<std::string> asked;
 
-void platform::StartSound(const std::string& path) { asked.push_back("play " + path); }
-void platform::StopSound(const std::string& path) { asked.push_back("close " + path); }
+void platform::StartSound(std::string_view path) { asked.push_back("play " + std::string(path)); }
+void platform::StopSound(std::string_view path) { asked.push_back("close " + std::string(path)); }
 
 namespace {
 

@@ -1,4 +1,5 @@
 #include <QComboBox>
+#include <QLabel>
 
 #include "platform/Forms.h"
 #include "platform/linux/Widgets.h"
@@ -10,6 +11,10 @@ ComboBox::ComboBox(Container& parent, const Design& design, const std::vector<st
   auto* combo = static_cast<QComboBox*>(Widget(*this));
   for (const std::string& item : items) combo->addItem(FromText(item));
   combo->setCurrentIndex(-1);
+  // To the toolkit its name is what is chosen, and what it is called stands in a label.
+  auto* label = new QLabel(FromText(design.AccessibleName), Widget(parent));
+  label->hide();
+  label->setBuddy(combo);
 }
 
 int ComboBox::ListIndex() const { return static_cast<QComboBox*>(Widget(*this))->currentIndex(); }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QCloseEvent>
 #include <QIcon>
@@ -29,10 +30,18 @@ Qt::WindowFlags Flags(const FormDesign& design) {
   return flags;
 }
 
+QAccessible::Role Role(const FormDesign& design) {
+  if (design.ShowWithoutActivating) return QAccessible::Notification;
+  return design.MinButton ? QAccessible::Window : QAccessible::Dialog;
+}
+
 }  // namespace
 
 FormWidget::FormWidget(Form& form, const FormDesign& design)
-    : QWidget(nullptr, Flags(design)), form_(&form), inTaskbar_(design.ShowInTaskbar) {
+    : QWidget(nullptr, Flags(design)),
+      form_(&form),
+      role_(Role(design)),
+      inTaskbar_(design.ShowInTaskbar) {
   setObjectName(design.Name);
   setWindowTitle(design.Caption);
   // One icon for all windows: read for each, it would cost most of what a window costs.
@@ -42,6 +51,8 @@ FormWidget::FormWidget(Form& form, const FormDesign& design)
   setMouseTracking(true);
   if (!main_) main_ = this;
 }
+
+QAccessibleInterface* FormWidget::NewAccessible() { return new QAccessibleWidget(this, role_); }
 
 void FormWidget::closeEvent(QCloseEvent* event) {
   // The window goes by Unload alone, so that Form_Unload always runs first.

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include "platform/Forms.h"
+#include "platform/linux/OwnAccessible.h"
 
 namespace platform {
 
@@ -17,7 +18,7 @@ inline constexpr int FrameWidth = 120;
 inline constexpr int FrameHeight = 420;
 
 /// The widget of a window: hands its events to the window's procedures.
-class FormWidget : public QWidget {
+class FormWidget : public QWidget, public OwnAccessible {
  public:
   FormWidget(Form& form, const FormDesign& design);
 
@@ -28,6 +29,7 @@ class FormWidget : public QWidget {
   void ComeUp();
   /// The program's first window, which is its main one; none before it is made.
   static const QPointer<FormWidget>& Main() { return main_; }
+  QAccessibleInterface* NewAccessible() override;
   /// Events that come from now on go nowhere.
   void Forget() { form_ = nullptr; }
   Form* Owner() const { return form_; }
@@ -47,6 +49,7 @@ class FormWidget : public QWidget {
 
   inline static QPointer<FormWidget> main_;
   Form* form_;
+  QAccessible::Role role_;
   bool inTaskbar_;
   bool cameUp_ = false;
   std::vector<std::pair<int, QWidget*>> tabStops_;

@@ -1,5 +1,6 @@
 #include "platform/linux/HelpWindow.h"
 
+#include <QAccessibleWidget>
 #include <QCoreApplication>
 #include <QEvent>
 #include <QHBoxLayout>
@@ -112,6 +113,10 @@ void HelpWindow::ComeForward() {
                  XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
                  reinterpret_cast<const char*>(&message));
   xcb_flush(connection);
+}
+
+QAccessibleInterface* HelpWindow::NewAccessible() {
+  return new QAccessibleWidget(this, QAccessible::Window);
 }
 
 void HelpWindow::changeEvent(QEvent* event) {

@@ -2,6 +2,8 @@
 
 #include <QWidget>
 
+#include "platform/linux/OwnAccessible.h"
+
 class QLineEdit;
 class QTextBrowser;
 class QUrl;
@@ -10,12 +12,14 @@ namespace platform {
 
 /// The pages of a help in a window of its own, with the way back and forward and a search in the
 /// page. Esc closes it.
-class HelpWindow : public QWidget {
+class HelpWindow : public QWidget, public OwnAccessible {
  public:
   HelpWindow();
 
   /// Shows a page, which is from now on also where "Home" leads, and comes to the front.
   void Open(const QUrl& page);
+
+  QAccessibleInterface* NewAccessible() override;
 
  protected:
   void changeEvent(QEvent* event) override;

@@ -8,13 +8,14 @@
 #include <QTextOption>
 
 #include "platform/Forms.h"
+#include "platform/linux/OwnAccessible.h"
 #include "platform/linux/Widgets.h"
 
 namespace platform {
 
 namespace {
 
-class LabelWidget : public QLabel {
+class LabelWidget : public QLabel, public OwnAccessible {
  public:
   LabelWidget(QWidget* parent, Label& owner) : QLabel(parent), owner_(owner) {
     setTextFormat(Qt::PlainText);
@@ -38,6 +39,8 @@ class LabelWidget : public QLabel {
     if (owner_.Click) owner_.Click();
   }
 
+  QAccessibleInterface* NewAccessible() override;
+
  protected:
   void mouseReleaseEvent(QMouseEvent* event) override {
     if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) Press();
@@ -53,8 +56,6 @@ class LabelWidget : public QLabel {
         QLabel::keyPressEvent(event);
     }
   }
-
-  void showEvent(QShowEvent* event) override;
 
   void paintEvent(QPaintEvent* event) override {
     if (wordWrap()) {
@@ -105,25 +106,12 @@ class AccessibleLink : public QAccessibleWidget {
     QAccessibleWidget::doAction(name);
   }
 
-  static QAccessibleInterface* Make(const QString&, QObject* object) {
-    auto* label = dynamic_cast<LabelWidget*>(object);
-    const bool isLink = label && label->focusPolicy() != Qt::NoFocus;
-    return isLink ? new AccessibleLink(*label) : nullptr;
-  }
-
  private:
   LabelWidget& label_;
 };
 
-// The last factory to be installed is asked first, and the toolkit installs its own late.
-void LabelWidget::showEvent(QShowEvent* event) {
-  QLabel::showEvent(event);
-  if (focusPolicy() == Qt::NoFocus || !QAccessible::isActive()) return;
-  QAccessible::removeFactory(AccessibleLink::Make);
-  QAccessible::installFactory(AccessibleLink::Make);
-  QAccessibleInterface* known = QAccessible::queryAccessibleInterface(this);
-  if (known->role() == QAccessible::Link) return;
-  QAccessible::deleteAccessibleInterface(QAccessible::uniqueId(known));
+QAccessibleInterface* LabelWidget::NewAccessible() {
+  return focusPolicy() == Qt::NoFocus ? nullptr : new AccessibleLink(*this);
 }
 
 }  // namespace
@@ -161,6 +149,7 @@ void Label::Link() {
   const QPoint tip = HotSpot * hand.devicePixelRatio();
   label->setCursor(QCursor(hand, tip.x(), tip.y()));
   label->setFocusPolicy(Qt::StrongFocus);
+  RenewAccessible(*label);
 }
 
 }  // namespace platform

@@ -1,6 +1,7 @@
 #include "cookies/FormView.h"
 
 #include "cookies/CookieDetail.h"
+#include "core/Help.h"
 #include "core/Joined.h"
 #include "core/PublicDim.h"
 
@@ -51,6 +52,7 @@ FormView::FormView()
   }
   Text2.Locked(true);
   Command1.Cancel();
+  Accelerator(platform::vbKeyF1, 0, [this] { ShowHelp(hWnd()); });
   Command1.Click = [this] { Command1_Click(); };
 }
 

@@ -8,8 +8,12 @@
 namespace {
 
 void ShowWatching(const WatchControls& controls, bool watching) {
-  controls.CmdStart.Enabled(!watching);
-  controls.CmdStop.Enabled(watching);
+  platform::CommandButton& next = watching ? controls.CmdStop : controls.CmdStart;
+  platform::CommandButton& last = watching ? controls.CmdStart : controls.CmdStop;
+  next.Enabled(true);
+  // A second press of the key that clicked takes back the first; it is no click on a third button.
+  if (last.HasFocus()) next.SetFocus();
+  last.Enabled(false);
 }
 
 /// One watch from its first scan to its end.

@@ -39,7 +39,7 @@ struct Design {
   const char* Caption = "";
   Place At;
   int TabIndex = -1;
-  /// What a screen reader calls a control that has no caption.
+  /// What a screen reader calls a control that has no caption, or one like another's.
   const char* AccessibleName = "";
 };
 
@@ -68,7 +68,12 @@ class Control {
   /// The colour of text; in a dark theme a shade of it that can be read.
   void ForeColor(std::uint32_t colour);
   void FontUnderline(bool underline);
+  /// Shows while the pointer rests on the control, also on a disabled one; a screen reader tells it
+  /// as the control's description.
+  void ToolTipText(std::string_view text);
   void SetFocus();
+  /// Whether the control has the keyboard while its window has it.
+  bool HasFocus() const;
   /// Names the control to `SendMessageA`.
   std::uint32_t hWnd() const { return handle_; }
 
@@ -106,6 +111,8 @@ class CheckBox : public Control {
   std::function<void()> Click;
 };
 
+/// A text of one line that is wider than its box shows as a tooltip. A locked text can be gone
+/// through, selected and copied by keyboard as by mouse.
 class TextBox : public Control {
  public:
   enum class Kind { OneLine, MultiLine };
@@ -113,6 +120,8 @@ class TextBox : public Control {
   std::string Text() const;
   void Text(std::string_view text);
   void Locked(bool readOnly);
+  /// Of a box of one line.
+  void SelectAll();
   /// The key's character code; 13 for Enter.
   std::function<void(int KeyAscii)> KeyPress;
 };
@@ -138,7 +147,7 @@ class ComboBox : public Control {
   void ListIndex(int index);
 };
 
-/// An unsorted list of text lines.
+/// An unsorted list of text lines. One that is wider than the list shows as a tooltip.
 class ListBox : public Control {
  public:
   ListBox(Container& parent, const Design& design);
@@ -177,13 +186,15 @@ class Line : public Control {
   Line(Container& parent, const Design& design, std::uint32_t colour);
 };
 
-/// A strip of tabs; it shows no pages of its own.
+/// A strip of tabs; it shows no pages of its own. A click on a tab takes the keyboard to the strip,
+/// as does every change of the selected tab, before `Click`: it must not stay in a page that goes.
 class TabStrip : public Control {
  public:
   TabStrip(Container& parent, const Design& design, const std::vector<std::string>& tabs);
   /// Index of the selected tab, from 1.
   int SelectedItem() const;
   void SelectedItem(int index);
+  int Count() const;
   std::function<void()> Click;
 };
 
@@ -228,6 +239,14 @@ inline constexpr int vbMaximized = 2;
 
 enum class BorderStyle { Sizable, FixedSingle, FixedDialog };
 
+inline constexpr int vbKeyTab = 9;
+inline constexpr int vbKeyPageUp = 33;
+inline constexpr int vbKeyPageDown = 34;
+inline constexpr int vbKeyF = 'F';
+inline constexpr int vbKeyF1 = 112;
+inline constexpr int vbShiftMask = 1;
+inline constexpr int vbCtrlMask = 2;
+
 /// What a window's design says of itself.
 struct FormDesign {
   const char* Name;
@@ -241,7 +260,8 @@ struct FormDesign {
   bool CenterScreen = true;
   int MinWidth = 0;  ///< Smallest outer size, twips.
   int MinHeight = 0;
-  /// The window shows without taking the keyboard focus from where it is.
+  /// The window shows without taking the keyboard focus from where it is; screen readers tell of it
+  /// as a notification.
   bool ShowWithoutActivating = false;
 };
 
@@ -269,8 +289,12 @@ class Form : public Container {
   void WindowState(int state);
   /// 1 twips, 3 pixels; the scale of `Form_MouseMove`. Always twips.
   int ScaleMode() const { return 1; }
-  /// Pops a menu up at the pointer and returns when it is closed and its entry's `Click` has run.
+  /// Pops a menu up at the pointer, or at the row that has the keyboard where a key asked for the
+  /// menu, and returns when it is closed and its entry's `Click` has run.
   void PopupMenu(const Menu& menu);
+
+  /// A key that works anywhere in the window, before the control that has the keyboard gets it.
+  void Accelerator(int KeyCode, int Shift, std::function<void()> Pressed);
 
   virtual void Form_Load() {}
   /// The window is about to be on the screen for the first time. A popup may make its controls

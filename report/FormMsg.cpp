@@ -43,6 +43,7 @@ FormMsg::Controls::Controls(FormMsg& form)
   Label1.ForeColor(Blue);
   Label1.Caption(form.Text);
   if (!form.CanView) CmdView.Enabled(false);
+  CmdClose.Cancel();
   CmdClose.Click = [&form] { form.CmdClose_Click(); };
   CmdView.Click = [&form] { form.CmdView_Click(); };
 }

@@ -1,5 +1,6 @@
 #include "ui/FormAbout.h"
 
+#include "core/Help.h"
 #include "platform/Application.h"
 #include "platform/Shell.h"
 
@@ -64,6 +65,7 @@ FormAbout::FormAbout()
   LabelWeb.Click = [this] { LabelWeb_Click(); };
   Command2.Click = [this] { Command2_Click(); };
   Command2.Cancel();
+  Accelerator(platform::vbKeyF1, 0, [this] { ShowHelp(hWnd()); });
 }
 
 void FormAbout::Command2_Click() { Unload(); }

@@ -96,12 +96,16 @@ FormMain::FormMain()
                            .Caption = "Play sound when a cookie file is removed",
                            .At = {135, 720, 3885, 270},
                            .TabIndex = 22}),
-      CmdSound1(
-          Picture3,
-          {.Name = "CmdSound1", .Caption = "Play", .At = {4080, 240, 990, 315}, .TabIndex = 23}),
-      CmdSound2(
-          Picture3,
-          {.Name = "CmdSound2", .Caption = "Play", .At = {4080, 690, 990, 315}, .TabIndex = 24}),
+      CmdSound1(Picture3, {.Name = "CmdSound1",
+                           .Caption = "Play",
+                           .At = {4080, 240, 990, 315},
+                           .TabIndex = 23,
+                           .AccessibleName = "Play the sound of an added cookie file"}),
+      CmdSound2(Picture3, {.Name = "CmdSound2",
+                           .Caption = "Play",
+                           .At = {4080, 690, 990, 315},
+                           .TabIndex = 24,
+                           .AccessibleName = "Play the sound of a removed cookie file"}),
 
       Picture4(*this, {.Name = "Picture4", .At = {}, .TabIndex = 25}),
       CheckLog(Picture4, {.Name = "CheckLog",
@@ -137,6 +141,7 @@ FormMain::FormMain()
   Image1.Visible(false);
   TextSearch.Text("password");
   ConnectEvents();
+  ConnectKeys();
 }
 
 void FormMain::ConnectEvents() {
@@ -170,4 +175,16 @@ void FormMain::ConnectListEvents() {
   ListVSearch.DblClick = [this] { ListVSearch_DblClick(); };
   ListVSearch.KeyPress = [this](std::int16_t KeyAscii) { ListVSearch_KeyPress(KeyAscii); };
   ListVSearch.MouseUp = [this](std::int16_t Button) { ListVSearch_MouseUp(Button); };
+}
+
+void FormMain::ConnectKeys() {
+  using namespace platform;
+  const auto next = [this] { SwitchTab(1); };
+  const auto previous = [this] { SwitchTab(-1); };
+  Accelerator(vbKeyTab, vbCtrlMask, next);
+  Accelerator(vbKeyPageDown, vbCtrlMask, next);
+  Accelerator(vbKeyTab, vbCtrlMask | vbShiftMask, previous);
+  Accelerator(vbKeyPageUp, vbCtrlMask, previous);
+  Accelerator(vbKeyF1, 0, [this] { CmdHelp_Click(); });
+  Accelerator(vbKeyF, vbCtrlMask, [this] { GoToSearch(); });
 }

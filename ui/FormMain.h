@@ -66,11 +66,15 @@ class FormMain : public platform::Form, private DifferenceReports {
  private:
   void ConnectEvents();
   void ConnectListEvents();
+  void ConnectKeys();
 
   void InitMainWindow();
   void SetListStyle();
   void HideAllPanels();
   void TabStrip1_Click();
+  /// The tab so many further on, in a circle.
+  void SwitchTab(int by);
+  void GoToSearch();
   void FillTrayIconData();
 
   void CmdStart_Click();

@@ -11,12 +11,14 @@
 #include "cookies/CookieSearch.h"
 #include "cookies/DeleteCookieFiles.h"
 #include "core/Autostart.h"
+#include "core/Help.h"
 #include "core/PublicDim.h"
 #include "core/SettingsFile.h"
 #include "core/SpecialFolders.h"
 #include "monitor/WatchFlags.h"
 #include "monitor/WatchFunc.h"
 #include "platform/Application.h"
+#include "platform/Files.h"
 #include "platform/Shell.h"
 #include "platform/Texts.h"
 #include "report/ChangeReports.h"
@@ -104,6 +106,10 @@ void FormMain::InitMainWindow() {
   if (PublicDim.PlaySound1) ChkSound1.Value(1);
   if (PublicDim.PlaySound2) ChkSound2.Value(1);
   if (AutostartEnabled()) CheckStart.Value(1);
+  const std::string& folder = PublicDim.CookieDir;
+  const std::string watched = platform::IsPath(folder) ? folder : "no folder: none was found";
+  CmdStart.ToolTipText("Start watching " + watched);
+  CmdStop.ToolTipText("Stop watching " + watched);
 }
 
 void FormMain::SetListStyle() {
@@ -127,6 +133,18 @@ void FormMain::TabStrip1_Click() {
                                       &Picture2, &Picture3,    &Picture4};
   const auto page = static_cast<std::size_t>(TabStrip1.SelectedItem() - 1);
   if (page < std::size(pages)) pages[page]->Visible(true);
+}
+
+void FormMain::SwitchTab(int by) {
+  const int count = TabStrip1.Count();
+  TabStrip1.SelectedItem((TabStrip1.SelectedItem() - 1 + by + count) % count + 1);
+}
+
+void FormMain::GoToSearch() {
+  constexpr int SearchPage = 3;
+  TabStrip1.SelectedItem(SearchPage);
+  TextSearch.SetFocus();
+  TextSearch.SelectAll();
 }
 
 void FormMain::Form_Resize() {
@@ -262,9 +280,7 @@ void FormMain::CheckLog_Click() { PublicDim.SaveLog = CheckLog.Value() != 1; }
 void FormMain::CheckTray_Click() { PublicDim.ToTray = CheckTray.Value() == 1; }
 void FormMain::CheckStart_Click() { EnableAutostart(CheckStart.Value() == 1); }
 
-void FormMain::CmdHelp_Click() {
-  platform::HtmlHelpA(hWnd(), PublicDim.AppPath + "help.chm", platform::HH_DISPLAY_TOPIC, 0);
-}
+void FormMain::CmdHelp_Click() { ShowHelp(hWnd()); }
 
 void FormMain::CmdAbout_Click() { About.Show(this); }
 

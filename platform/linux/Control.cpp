@@ -4,8 +4,10 @@
 #include <QTimer>
 
 #include "platform/Forms.h"
+#include "platform/linux/CutText.h"
 #include "platform/linux/FormWidget.h"
 #include "platform/linux/Handles.h"
+#include "platform/linux/ListText.h"
 #include "platform/linux/ThemeColours.h"
 #include "platform/linux/Widgets.h"
 
@@ -108,6 +110,18 @@ void Control::FontUnderline(bool underline) {
   Widget(*this)->setFont(font);
 }
 
+void Control::ToolTipText(std::string_view text) {
+  const QString shown = DisplayText(text);
+  Widget(*this)->setToolTip(ToolTipPage(shown));
+  Widget(*this)->setAccessibleDescription(shown);
+}
+
 void Control::SetFocus() { Widget(*this)->setFocus(); }
+
+bool Control::HasFocus() const {
+  const QWidget* widget = Widget(*this);
+  const QWidget* keyboard = widget->focusProxy() ? widget->focusProxy() : widget;
+  return widget->window()->focusWidget() == keyboard;
+}
 
 }  // namespace platform

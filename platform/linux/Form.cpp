@@ -4,7 +4,6 @@
 #include <utility>
 
 #include <QAbstractEventDispatcher>
-#include <QCursor>
 #include <QGuiApplication>
 #include <QMenu>
 #include <QScreen>
@@ -13,6 +12,7 @@
 #include "platform/Forms.h"
 #include "platform/linux/FormWidget.h"
 #include "platform/linux/Handles.h"
+#include "platform/linux/MenuPlace.h"
 #include "platform/linux/PopupWindows.h"
 #include "platform/linux/Widgets.h"
 
@@ -154,7 +154,7 @@ void Form::WindowState(int state) {
 void Form::PopupMenu(const Menu& menu) {
   auto* popup = static_cast<QMenu*>(Widget(menu.Native()));
   // A tray can ask for the menu while it is open; a second loop would take the first one's end.
-  if (!popup->isVisible()) popup->exec(QCursor::pos());
+  if (!popup->isVisible()) popup->exec(MenuPlace::Take());
 }
 
 void ShowNew(std::unique_ptr<Form> form, const Form* owner) {

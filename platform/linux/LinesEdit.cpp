@@ -7,6 +7,8 @@
 #include <QMouseEvent>
 #include <QTextBlock>
 
+#include "platform/linux/FocusFrame.h"
+
 namespace platform {
 
 namespace {
@@ -21,6 +23,11 @@ LinesEdit::LinesEdit(QWidget* parent) : QPlainTextEdit(parent) {
   setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
   setTabChangesFocus(true);
+}
+
+void LinesEdit::Lock(bool readOnly) {
+  setReadOnly(readOnly);
+  if (readOnly) setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
 }
 
 void LinesEdit::SetLines(const QString& text) {
@@ -47,6 +54,12 @@ void LinesEdit::SetLines(const QString& text) {
 }
 
 QString LinesEdit::Lines() const { return Between(0, document()->characterCount() - 1); }
+
+bool LinesEdit::event(QEvent* event) {
+  const bool taken = QPlainTextEdit::event(event);
+  ShowFocusOnFrame(*this, *event);
+  return taken;
+}
 
 void LinesEdit::mousePressEvent(QMouseEvent* event) {
   if (event->button() == Qt::LeftButton && event->modifiers() != Qt::ShiftModifier) {

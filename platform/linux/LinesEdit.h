@@ -12,10 +12,13 @@ class LinesEdit : public QPlainTextEdit {
  public:
   explicit LinesEdit(QWidget* parent);
 
+  /// A locked text has its caret all the same.
+  void Lock(bool readOnly);
   void SetLines(const QString& text);
   QString Lines() const;
 
  protected:
+  bool event(QEvent* event) override;
   /// A press on the selection begins a new one. A drag of the old one would run events in a loop of
   /// its own, in which the window could close and be freed.
   void mousePressEvent(QMouseEvent* event) override;

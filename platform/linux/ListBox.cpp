@@ -11,12 +11,15 @@
 #include <QClipboard>
 #include <QDeadlineTimer>
 #include <QFontMetrics>
+#include <QHelpEvent>
 #include <QItemSelectionModel>
 #include <QKeyEvent>
 #include <QListView>
 #include <QStyledItemDelegate>
 
 #include "platform/Forms.h"
+#include "platform/linux/CutText.h"
+#include "platform/linux/FocusFrame.h"
 #include "platform/linux/ListText.h"
 #include "platform/linux/Widgets.h"
 
@@ -133,6 +136,21 @@ class LinesView : public QListView {
   }
 
  protected:
+  bool event(QEvent* event) override {
+    const bool taken = QListView::event(event);
+    ShowFocusOnFrame(*this, *event);
+    return taken;
+  }
+
+  bool viewportEvent(QEvent* event) override {
+    if (event->type() != QEvent::ToolTip) return QListView::viewportEvent(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QModelIndex line = indexAt(help->pos());
+    ShowWholeText(IsCut(line) ? line.data().toString() : QString(), help->globalPos(), *viewport(),
+                  visualRect(line));
+    return true;
+  }
+
   void keyPressEvent(QKeyEvent* event) override {
     if (!event->matches(QKeySequence::Copy)) return QListView::keyPressEvent(event);
     event->accept();
@@ -149,6 +167,13 @@ class LinesView : public QListView {
   }
 
  private:
+  bool IsCut(const QModelIndex& line) const {
+    const QRect place = visualRect(line);
+    const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
+    const int end = place.left() + margin + fontMetrics().horizontalAdvance(line.data().toString());
+    return line.isValid() && (place.left() < 0 || end > viewport()->width());
+  }
+
   void SettleLater() {
     if (std::exchange(settleScheduled_, true)) return;
     QMetaObject::invokeMethod(this, [this] { Settle(); }, Qt::QueuedConnection);

@@ -15,6 +15,8 @@
 
 #include "platform/linux/ColumnHeaders.h"
 #include "platform/linux/CutText.h"
+#include "platform/linux/FocusFrame.h"
+#include "platform/linux/MenuPlace.h"
 #include "platform/linux/RowLook.h"
 #include "platform/linux/Widgets.h"
 
@@ -70,6 +72,13 @@ ReportView::ReportView(QWidget* parent, ListView& owner, const std::vector<Colum
   setHorizontalScrollMode(ScrollPerPixel);
   setTabKeyNavigation(false);
   SetUpHeader(columns);
+  QAccessible::installActivationObserver(this);
+}
+
+ReportView::~ReportView() { QAccessible::removeActivationObserver(this); }
+
+void ReportView::accessibilityActiveChanged(bool active) {
+  if (active) executeDelayedItemsLayout();
 }
 
 void ReportView::SetUpHeader(const std::vector<ColumnHeader>& columns) {
@@ -125,6 +134,7 @@ void ReportView::Settle() {
     rows_->Announce();
     selection_->Settle();
   }
+  accessibilityActiveChanged(QAccessible::isActive());
   settling_ = false;
 }
 
@@ -266,11 +276,11 @@ void ReportView::paintEvent(QPaintEvent* event) {
 bool ReportView::ShowToolTip(const QPoint& at, const QPoint& global) {
   const QModelIndex index = indexAt(at);
   const QRect cell = visualRect(index);
-  QString text = index.data().toString();
-  if (text.size() == ListViewModel::MostShown) text += QChar(u'\u2026');
   const int margin = style()->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, this) + 1;
-  const bool fits = fontMetrics().horizontalAdvance(text) <= cell.width() - 2 * margin;
-  ShowWholeText(fits ? QString() : text, global, *viewport(), cell);
+  const int width = fontMetrics().horizontalAdvance(index.data().toString());
+  const bool isCut = index.isValid() && width > cell.width() - 2 * margin;
+  ShowWholeText(isCut ? index.data(Qt::AccessibleTextRole).toString() : QString(), global,
+                *viewport(), cell);
   return true;
 }
 
@@ -278,7 +288,9 @@ bool ReportView::ShowToolTip(const QPoint& at, const QPoint& global) {
 
 bool ReportView::event(QEvent* event) {
   if (IsInput(event->type())) Settle();
-  return QTreeView::event(event);
+  const bool taken = QTreeView::event(event);
+  ShowFocusOnFrame(*this, *event);
+  return taken;
 }
 
 bool ReportView::viewportEvent(QEvent* event) {
@@ -297,7 +309,7 @@ void ReportView::keyPressEvent(QKeyEvent* event) {
   }
   if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
     event->accept();
-    return RaiseMouseUp(Qt::RightButton);
+    return AskForMenu();
   }
   QTreeView::keyPressEvent(event);
   const int code = CharacterCode(*event);
@@ -346,7 +358,15 @@ void ReportView::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void ReportView::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() == QContextMenuEvent::Keyboard) RaiseMouseUp(Qt::RightButton);
+  if (event->reason() == QContextMenuEvent::Keyboard) AskForMenu();
+}
+
+void ReportView::AskForMenu() {
+  const QRect area = viewport()->rect();
+  const QRect row = visualRect(currentIndex()).intersected(area);
+  const MenuPlace place(viewport()->mapToGlobal(
+      row.isEmpty() ? area.topLeft() : QPoint(area.left(), row.bottom() + 1)));
+  RaiseMouseUp(Qt::RightButton);
 }
 
 void ReportView::RaiseMouseUp(Qt::MouseButton button) {

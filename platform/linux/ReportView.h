@@ -4,6 +4,7 @@
 #include <utility>
 #include <vector>
 
+#include <QAccessible>
 #include <QTreeView>
 
 #include "platform/ListView.h"
@@ -17,9 +18,10 @@ namespace platform {
 ///
 /// What a procedure of the program does to the rows reaches the toolkit's view and selection in one
 /// step, `Settle`: before the next event, or when something asks for the view's own state.
-class ReportView : public QTreeView {
+class ReportView : public QTreeView, private QAccessible::ActivationObserver {
  public:
   ReportView(QWidget* parent, ListView& owner, const std::vector<ColumnHeader>& columns);
+  ~ReportView() override;
 
   ListViewModel& Rows() const { return *rows_; }
   void Add(const SharedText& text);
@@ -74,6 +76,8 @@ class ReportView : public QTreeView {
     if (!std::exchange(settleScheduled_, true)) ScheduleSettle();
   }
   void ScheduleSettle();
+  /// Rows that have never been on the screen are none yet to a screen reader.
+  void accessibilityActiveChanged(bool active) override;
   /// Puts rows into a new order, or drops some; selection, current row and sideways scroll position
   /// follow. `top` is the row then on top.
   void Arrange(const std::vector<std::uint32_t>& order, int top);
@@ -82,6 +86,8 @@ class ReportView : public QTreeView {
   /// Makes the row under the pointer the current one and sees that it is selected.
   void SelectUnder(const QMouseEvent& event);
   void RaiseMouseUp(Qt::MouseButton button);
+  /// By a key.
+  void AskForMenu();
   void CopySelected() const;
   bool ShowToolTip(const QPoint& at, const QPoint& global);
 

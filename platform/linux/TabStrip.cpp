@@ -16,6 +16,7 @@ class TabStripWidget : public QWidget {
     setFocusProxy(bar_);
     bar_->setExpanding(false);
     bar_->setUsesScrollButtons(true);
+    bar_->setFocusPolicy(Qt::StrongFocus);
   }
 
   QTabBar* Bar() const { return bar_; }
@@ -53,11 +54,13 @@ TabStrip::TabStrip(Container& parent, const Design& design, const std::vector<st
   Bar(*this)->setAccessibleName(design.AccessibleName);
   QObject::connect(Bar(*this), &QTabBar::currentChanged, [this] {
     Widget(*this)->update();
+    SetFocus();
     if (Click) Click();
   });
 }
 
 int TabStrip::SelectedItem() const { return Bar(*this)->currentIndex() + 1; }
+int TabStrip::Count() const { return Bar(*this)->count(); }
 void TabStrip::SelectedItem(int index) { Bar(*this)->setCurrentIndex(index - 1); }
 
 }  // namespace platform

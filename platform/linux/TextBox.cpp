@@ -1,7 +1,10 @@
+#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QStyleOptionFrame>
 
 #include "platform/Forms.h"
+#include "platform/linux/CutText.h"
 #include "platform/linux/LinesEdit.h"
 #include "platform/linux/ListText.h"
 #include "platform/linux/Widgets.h"
@@ -15,6 +18,13 @@ class LineEdit : public QLineEdit {
   LineEdit(QWidget* parent, TextBox& owner) : QLineEdit(parent), owner_(owner) {}
 
  protected:
+  bool event(QEvent* event) override {
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty()) return QLineEdit::event(event);
+    ShowWholeText(IsCut() ? displayText() : QString(), static_cast<QHelpEvent*>(event)->globalPos(),
+                  *this, rect());
+    return true;
+  }
+
   void keyPressEvent(QKeyEvent* event) override {
     constexpr int Enter = 13;
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
@@ -24,6 +34,14 @@ class LineEdit : public QLineEdit {
   }
 
  private:
+  bool IsCut() const {
+    constexpr int Margin = 2;  // the toolkit's, at either side of the text
+    QStyleOptionFrame option;
+    initStyleOption(&option);
+    const QRect room = style()->subElementRect(QStyle::SE_LineEditContents, &option, this);
+    return fontMetrics().horizontalAdvance(displayText()) > room.width() - 2 * Margin;
+  }
+
   TextBox& owner_;
 };
 
@@ -55,8 +73,12 @@ void TextBox::Locked(bool readOnly) {
   if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) {
     line->setReadOnly(readOnly);
   } else {
-    static_cast<LinesEdit*>(Widget(*this))->setReadOnly(readOnly);
+    static_cast<LinesEdit*>(Widget(*this))->Lock(readOnly);
   }
+}
+
+void TextBox::SelectAll() {
+  if (auto* line = dynamic_cast<QLineEdit*>(Widget(*this))) line->selectAll();
 }
 
 }  // namespace platform

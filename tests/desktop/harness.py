@@ -205,6 +205,7 @@ class Control:
 
     name = property(lambda self: self.accessible.get_name())
     role = property(lambda self: ROLES.get(role := self.accessible.get_role_name(), role))
+    description = property(lambda self: self.accessible.get_description())
     text = property(lambda self: Atspi.Text.get_text(self.accessible, 0, -1))
     enabled = property(lambda self: self.has("enabled"))
     checked = property(lambda self: self.has("checked"))
@@ -525,6 +526,16 @@ class DesktopTest(unittest.TestCase):
         self.assertEqual(end(program), 0)
         # The font library has its own word on a home in which it can keep nothing.
         self.assertNotRegex((program.folder.parent / "stderr").read_text(), "(?m)^(?!Fontconfig ).")
+
+    def listen(self, event, heard):
+        """Notes role and name of what a screen reader is told of, while the tree is read."""
+        def note(event):
+            with contextlib.suppress(Gone):
+                heard.append((event.source.get_role_name(), event.source.get_name()))
+
+        listener = Atspi.EventListener.new(note)
+        listener.register(event)
+        self.addCleanup(listener.deregister, event)
 
     def wait_for_equal(self, read, expected):
         """Waits until what is read is as expected; a failure shows both."""

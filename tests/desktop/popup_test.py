@@ -32,6 +32,8 @@ class PopupTest(DesktopTest):
         program = self.program(config=SAVE_LOG, switch=("/1",))
         (program.cookies / "gone.txt").touch()
         program.start()
+        announced = []
+        self.listen("object:state-changed:showing", announced)
         start = time.monotonic()
         with program.paused():
             (program.cookies / "gone.txt").unlink()
@@ -46,6 +48,7 @@ class PopupTest(DesktopTest):
             for state in ("_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR"):
                 self.assertIn(state, program.window_states(window))
         controls = [*program.application().everything()]
+        self.assertIn(("notification", "Quillmere"), announced)
         texts = [each.name for each in controls if each.name.startswith("Cookie file ")]
         views = [each for each in controls if each.name == "View"]
         self.assertEqual({text: view.enabled for text, view in zip(texts, views, strict=True)}, {

@@ -167,15 +167,39 @@ TEST_F(Lists, CopyTheSelectedRowsAsTheyStand) {
   EXPECT_EQ(Copied(logView_), "line\u240A1\nline\u240A3\n");
 }
 
-TEST_F(Lists, ATooltipShowsATextAsItIsAndNotAsMarkup) {
-  Fill({"<b>" + std::string(1'000'000, 'w')});
-  QHelpEvent help(QEvent::ToolTip, RowPoint(0), view_->viewport()->mapToGlobal(RowPoint(0)));
-  QApplication::sendEvent(view_->viewport(), &help);
-  EXPECT_TRUE(QToolTip::text().contains("&lt;b&gt;ww"));
-  EXPECT_LT(QToolTip::text().size(), 10'000) << "a long text's beginning";
-  EXPECT_TRUE(QToolTip::text().contains(QChar(u'\u2026')));
+TEST_F(Lists, ATextThatIsCutOffShowsAsATooltipAsItIsAndNotAsMarkup) {
+  const auto tip = [](QWidget* over, const QPoint& at) {
+    QHelpEvent help(QEvent::ToolTip, at, over->mapToGlobal(at));
+    QApplication::sendEvent(over, &help);
+    return QToolTip::text().toStdString();
+  };
+  const auto tips = [&](const std::string& text) {
+    Fill({text});
+    log_.AddItem(text);
+    window_.TextSearch.Text(text);
+    QTest::qWait(1);
+    const QPoint line =
+        logView_->visualRect(logView_->model()->index(log_.ListCount() - 1, 0)).topLeft();
+    return Cells({tip(view_->viewport(), RowPoint(list_.Count() - 1)),
+                  tip(logView_->viewport(), line), tip(Widget(window_.TextSearch), {5, 5})});
+  };
+  EXPECT_EQ(tips("short"), Cells(3));
+  for (const std::string& shown : tips("<b>" + std::string(1'000'000, 'w'))) {
+    EXPECT_NE(shown.find("&lt;b&gt;ww"), std::string::npos);
+    EXPECT_LT(shown.size(), 10'000U) << "a long text's beginning";
+    EXPECT_NE(shown.find("\u2026"), std::string::npos);
+  }
   view_->selectAll();
   EXPECT_GT(Copied(view_).size(), 1'000'000U) << "is copied whole";
+}
+
+TEST_F(Lists, AnEmptyListShowsThatItHasTheKeyboard) {
+  for (QWidget* list : {static_cast<QWidget*>(view_), static_cast<QWidget*>(logView_)}) {
+    window_.TextSearch.SetFocus();
+    const QImage before = list->grab().toImage();
+    list->setFocus();
+    EXPECT_NE(list->grab().toImage(), before);
+  }
 }
 
 TEST_F(Lists, ASortLeavesTagsTheKeyboardAndAPageOutOfSight) {

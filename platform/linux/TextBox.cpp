@@ -1,6 +1,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QPainter>
 #include <QStyleOptionFrame>
 
 #include "platform/Forms.h"
@@ -15,7 +16,9 @@ namespace {
 
 class LineEdit : public QLineEdit {
  public:
-  LineEdit(QWidget* parent, TextBox& owner) : QLineEdit(parent), owner_(owner) {}
+  LineEdit(QWidget* parent, TextBox& owner) : QLineEdit(parent), owner_(owner) {
+    connect(this, &QLineEdit::cursorPositionChanged, this, [this] { update(); });
+  }
 
  protected:
   bool event(QEvent* event) override {
@@ -23,6 +26,15 @@ class LineEdit : public QLineEdit {
     ShowWholeText(IsCut() ? displayText() : QString(), static_cast<QHelpEvent*>(event)->globalPos(),
                   *this, rect());
     return true;
+  }
+
+  /// The toolkit shows no caret in a text that is locked.
+  void paintEvent(QPaintEvent* event) override {
+    QLineEdit::paintEvent(event);
+    if (!isReadOnly() || !hasFocus()) return;
+    const QRect around = cursorRect();
+    QPainter(this).fillRect(around.center().x(), around.top(), 1, around.height(),
+                            palette().text());
   }
 
   void keyPressEvent(QKeyEvent* event) override {

@@ -300,6 +300,9 @@ class Form : public Container {
   /// The window is about to be on the screen for the first time. A popup may make its controls
   /// here: one that lies under many newer ones need not get there before it closes.
   virtual void Form_FirstShow() {}
+  /// The window has left the screen under many newer ones, for good as it seems: what the last made
+  /// may go, and is made anew by another `Form_FirstShow` if the window does come back.
+  virtual void Form_PutAway() {}
   /// The window is about to close, by its close box, by `Unload` or by the end of the session.
   virtual void Form_Unload() {}
   /// Size or state changed, or the window shows for the first time.

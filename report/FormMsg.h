@@ -14,6 +14,7 @@ class FormMsg : public platform::Form {
  protected:
   void Form_Load() override;
   void Form_FirstShow() override;
+  void Form_PutAway() override { Shown.reset(); }
 
  private:
   struct Controls {

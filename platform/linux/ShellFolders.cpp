@@ -114,12 +114,4 @@ int SHGetSpecialFolderLocation(std::uintptr_t /*window*/, int csidl, ITEMIDLIST&
   return 0;
 }
 
-int SHGetPathFromIDListA(const ITEMIDLIST& place, std::span<char> buffer) {
-  if (place.Path.empty()) return 0;
-  const std::size_t length = std::min(place.Path.size(), buffer.size());
-  std::copy_n(place.Path.begin(), length, buffer.begin());
-  if (length < buffer.size()) buffer[length] = '\0';
-  return 1;
-}
-
 }  // namespace platform

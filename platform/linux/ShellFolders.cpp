@@ -1,6 +1,5 @@
 #include "platform/ShellFolders.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <pwd.h>
 #include <sys/stat.h>

@@ -12,22 +12,12 @@
 #include <system_error>
 #include <vector>
 
+#include "platform/common/LookUp.h"
 #include "platform/linux/Paths.h"
 #include "platform/linux/ReadAhead.h"
 
 namespace platform {
 namespace {
-
-/// The names of the look-up begun last.
-struct LookUp {
-  std::vector<std::string> Names;
-  std::size_t Next = 0;
-};
-
-LookUp& CurrentLookUp() {
-  static LookUp lookUp;
-  return lookUp;
-}
 
 bool IsFolder(int folder, const char* name, unsigned char type = DT_UNKNOWN) {
   if (type != DT_UNKNOWN && type != DT_LNK) return type == DT_DIR;
@@ -39,32 +29,6 @@ bool IsWanted(int folder, const char* name, int attributes, unsigned char type =
   if (name[0] == '.' && (attributes & vbHidden) == 0) return false;
   return IsOrdinaryFile(folder, name, type) ||
          ((attributes & vbDirectory) != 0 && IsFolder(folder, name, type));
-}
-
-std::vector<std::string> NamesThatFit(const std::string& pattern, int attributes) {
-  if (!IsPath(pattern)) return {};
-  const std::string name = NameOf(pattern);
-  if (name.empty()) {
-    const bool found = (attributes & vbDirectory) != 0 && IsFolder(AT_FDCWD, pattern.c_str());
-    return found ? std::vector<std::string>{"."} : std::vector<std::string>{};
-  }
-  const NamePattern fitting(name);
-  if (!fitting.IsWildcard()) {
-    const Descriptor folder(open(FolderOf(pattern).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    const bool found = folder && IsWanted(folder.Number(), name.c_str(), attributes);
-    return found ? std::vector<std::string>{name} : std::vector<std::string>{};
-  }
-  // All names are read before the first is handed out, so that none can be lost to a deletion.
-  std::vector<std::string> names;
-  DirectoryReader reader(FolderOf(pattern));
-  DirectoryReader::Entry entry;
-  while (reader.IsOpen() && reader.Next(entry)) {
-    if (fitting.Fits(entry.Name) &&
-        IsWanted(reader.Folder(), entry.Name.data(), attributes, entry.Type)) {
-      names.emplace_back(entry.Name);
-    }
-  }
-  return names;
 }
 
 // The owner's write bit alone decides, so that a read-only file is safe from root too.
@@ -219,14 +183,29 @@ bool IsPath(std::string_view text) {
   return text.starts_with('/') && text.find('\0') == std::string_view::npos;
 }
 
-std::string Dir(const std::string& pattern, int attributes) {
-  CurrentLookUp() = {NamesThatFit(pattern, attributes), 0};
-  return Dir();
-}
-
-std::string Dir() {
-  LookUp& lookUp = CurrentLookUp();
-  return lookUp.Next < lookUp.Names.size() ? lookUp.Names[lookUp.Next++] : std::string();
+std::vector<std::string> NamesThatFit(const std::string& pattern, int attributes) {
+  if (!IsPath(pattern)) return {};
+  const std::string name = NameOf(pattern);
+  if (name.empty()) {
+    const bool found = (attributes & vbDirectory) != 0 && IsFolder(AT_FDCWD, pattern.c_str());
+    return found ? std::vector<std::string>{"."} : std::vector<std::string>{};
+  }
+  const NamePattern fitting(name);
+  if (!fitting.IsWildcard()) {
+    const Descriptor folder(open(FolderOf(pattern).c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    const bool found = folder && IsWanted(folder.Number(), name.c_str(), attributes);
+    return found ? std::vector<std::string>{name} : std::vector<std::string>{};
+  }
+  std::vector<std::string> names;
+  DirectoryReader reader(FolderOf(pattern));
+  DirectoryReader::Entry entry;
+  while (reader.IsOpen() && reader.Next(entry)) {
+    if (fitting.Fits(entry.Name) &&
+        IsWanted(reader.Folder(), entry.Name.data(), attributes, entry.Type)) {
+      names.emplace_back(entry.Name);
+    }
+  }
+  return names;
 }
 
 bool Kill(const std::string& path) {

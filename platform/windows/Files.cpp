@@ -7,23 +7,13 @@
 #include <vector>
 
 #include "platform/FileSearch.h"
+#include "platform/common/LookUp.h"
 #include "platform/common/NamePattern.h"
 #include "platform/windows/Paths.h"
 #include "platform/windows/Text.h"
 
 namespace platform {
 namespace {
-
-/// The names of the look-up begun last.
-struct LookUp {
-  std::vector<std::string> Names;
-  std::size_t Next = 0;
-};
-
-LookUp& CurrentLookUp() {
-  static LookUp lookUp;
-  return lookUp;
-}
 
 /// Whether a look-up wants what has these attributes itself and leads to what has those.
 bool IsWanted(DWORD own, DWORD target, int wanted) {
@@ -45,30 +35,6 @@ bool IsWanted(const std::wstring& path, int wanted) {
   if ((own & FILE_ATTRIBUTE_REPARSE_POINT) == 0) return IsWanted(own, own, wanted);
   const auto target = InfoOf(path);
   return target && IsWanted(own, target->dwFileAttributes, wanted);
-}
-
-std::vector<std::string> NamesThatFit(const std::string& pattern, int attributes) {
-  const std::string name = NameOf(pattern);
-  if (name.empty()) {
-    const auto info = InfoOf(SystemPath(pattern));
-    const bool found = (attributes & vbDirectory) != 0 && info && IsFolder(*info);
-    return found ? std::vector<std::string>{"."} : std::vector<std::string>{};
-  }
-  const NamePattern fitting(name);
-  if (!fitting.IsWildcard()) {
-    const bool found = IsWanted(SystemPath(pattern), attributes);
-    return found ? std::vector<std::string>{name} : std::vector<std::string>{};
-  }
-  // All names are read before the first is handed out, so that none can be lost to a deletion.
-  std::vector<std::string> names;
-  DirectoryReader reader(FolderOf(pattern));
-  while (const WIN32_FIND_DATAW* const entry = reader.Next()) {
-    std::string found = Narrow(static_cast<const wchar_t*>(entry->cFileName));
-    if (fitting.Fits(found) && IsWanted(reader, *entry, attributes)) {
-      names.push_back(std::move(found));
-    }
-  }
-  return names;
 }
 
 bool Delete(const std::wstring& path) {
@@ -186,14 +152,27 @@ bool WriteOver(const std::wstring& path, std::string_view content) {
 
 bool IsPath(std::string_view text) { return !SystemPath(text).empty(); }
 
-std::string Dir(const std::string& pattern, int attributes) {
-  CurrentLookUp() = {NamesThatFit(pattern, attributes), 0};
-  return Dir();
-}
-
-std::string Dir() {
-  LookUp& lookUp = CurrentLookUp();
-  return lookUp.Next < lookUp.Names.size() ? lookUp.Names[lookUp.Next++] : std::string();
+std::vector<std::string> NamesThatFit(const std::string& pattern, int attributes) {
+  const std::string name = NameOf(pattern);
+  if (name.empty()) {
+    const auto info = InfoOf(SystemPath(pattern));
+    const bool found = (attributes & vbDirectory) != 0 && info && IsFolder(*info);
+    return found ? std::vector<std::string>{"."} : std::vector<std::string>{};
+  }
+  const NamePattern fitting(name);
+  if (!fitting.IsWildcard()) {
+    const bool found = IsWanted(SystemPath(pattern), attributes);
+    return found ? std::vector<std::string>{name} : std::vector<std::string>{};
+  }
+  std::vector<std::string> names;
+  DirectoryReader reader(FolderOf(pattern));
+  while (const WIN32_FIND_DATAW* const entry = reader.Next()) {
+    std::string found = Narrow(static_cast<const wchar_t*>(entry->cFileName));
+    if (fitting.Fits(found) && IsWanted(reader, *entry, attributes)) {
+      names.push_back(std::move(found));
+    }
+  }
+  return names;
 }
 
 bool Kill(const std::string& path) {
@@ -232,13 +211,14 @@ InputFile::InputFile(const std::string& path) {
 bool WriteFileWhole(const std::string& path, std::string_view content) {
   std::wstring target = SystemPath(path);
   if (target.empty()) return false;
+  const DWORD attributes = GetFileAttributesW(target.c_str());
   SystemHandle old = OpenExisting(target, GENERIC_READ | GENERIC_WRITE);
-  const bool exists = static_cast<bool>(old);
+  const bool exists = attributes != INVALID_FILE_ATTRIBUTES;
+  // The new one would take the place of what may not be written.
+  if (exists && (!old || (attributes & FILE_ATTRIBUTE_READONLY) != 0)) return false;
   if (exists) {
     const std::wstring final = FinalPath(old);
     if (!final.empty()) target = final;
-  } else if (GetFileAttributesW(target.c_str()) != INVALID_FILE_ATTRIBUTES) {
-    return false;  // The new one would take the place of what may not be written.
   }
   const DWORD failure = PutInPlace(target, std::move(old), content);
   return failure == 0 || (exists && failure == ERROR_ACCESS_DENIED && WriteOver(target, content));

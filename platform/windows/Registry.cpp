@@ -83,7 +83,8 @@ int RegCreateKeyExA(HKEY hive, const std::string& path, std::uint32_t access, HK
 
 int RegOpenKeyExA(HKEY hive, const std::string& path, std::uint32_t access, HKEY& key) {
   ::HKEY opened = nullptr;
-  return Opened(RegOpenKeyExW(Find(hive), Wide(path).c_str(), 0, access, &opened), opened, key);
+  const LSTATUS result = RegOpenKeyExW(Find(hive), Wide(path).c_str(), 0, access, &opened);
+  return Opened(result, opened, key);
 }
 
 int RegSetValueExA(HKEY key, const std::string& name, std::uint32_t type, const void* data,

@@ -1,9 +1,9 @@
 #include "platform/windows/System.h"
 
 #include <array>
-#include <cwchar>
 
 #include "platform/Files.h"
+#include "platform/Registry.h"
 #include "platform/windows/Paths.h"
 
 namespace platform {
@@ -14,11 +14,16 @@ bool IsSame(const BY_HANDLE_FILE_INFORMATION& one, const BY_HANDLE_FILE_INFORMAT
          one.nFileIndexHigh == other.nFileIndexHigh && one.nFileIndexLow == other.nFileIndexLow;
 }
 
-bool IsRootOfVolume(const std::wstring& folder) {
-  std::wstring root(folder.size() + 2, L'\0');
-  const bool known =
-      GetVolumePathNameW(folder.c_str(), root.data(), static_cast<DWORD>(root.size())) != 0;
-  return !known || std::wcslen(root.c_str()) >= folder.size();
+/// Whether it is the root of a drive or of another machine's share.
+bool IsRoot(const SystemHandle& folder) {
+  const std::wstring path = FinalPath(folder);
+  if (path.empty())
+    return GetLastError() != ERROR_MORE_DATA;  // Wine 8 tells none above 260 letters
+  constexpr std::wstring_view Drive = L"\\\\?\\C:\\";
+  constexpr std::wstring_view Network = L"\\\\?\\UNC\\";
+  if (!path.starts_with(Network)) return path.size() <= Drive.size();
+  const std::size_t share = path.find(L'\\', Network.size()) + 1;
+  return share == 0 || path.find(L'\\', share) >= path.size() - 1;
 }
 
 /// Whether `wanted` is met on the way from a folder up to the root. A folder that isn't there is
@@ -56,7 +61,7 @@ bool IsSafeToClear(const std::string& folder) {
   const SystemHandle opened = OpenExisting(SystemPath(folder), FILE_READ_ATTRIBUTES);
   BY_HANDLE_FILE_INFORMATION info;
   if (!opened || GetFileInformationByHandle(opened.Get(), &info) == 0 || !IsFolder(info) ||
-      IsRootOfVolume(FinalPath(opened))) {
+      IsRoot(opened)) {
     return false;
   }
   for (const std::wstring& home : {AccountHome(), EnvironmentHome()}) {

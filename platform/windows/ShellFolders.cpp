@@ -3,8 +3,8 @@
 #include "platform/ShellFolders.h"
 
 #include <array>
-#include <memory>
 
+#include "platform/Files.h"
 #include "platform/windows/Text.h"
 
 namespace platform {
@@ -18,9 +18,8 @@ int SHGetSpecialFolderLocation(std::uintptr_t /*window*/, int csidl, ITEMIDLIST&
   const bool found = SHGetPathFromIDListEx(list, path.data(), static_cast<DWORD>(path.size()),
                                            GPFIDL_DEFAULT) != FALSE;
   CoTaskMemFree(list);
-  if (!found) return E_FAIL;
-  place.Path = Narrow(path.data());
-  return 0;
+  place.Path = found ? Narrow(path.data()) : std::string();
+  return IsPath(place.Path) ? 0 : E_FAIL;
 }
 
 }  // namespace platform

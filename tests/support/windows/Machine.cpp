@@ -4,6 +4,7 @@
 
 #include <atomic>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <io.h>
 
@@ -43,15 +44,28 @@ void RemoveFolder(const std::string& path) {
   RemoveDirectoryW(NativePath(path).c_str());
 }
 
-/// The registry of the user's is a key of its own too, which goes with the process.
+namespace {
+
+std::wstring OwnRegistry() {
+  return L"Software\\Quillmere tests\\" + std::to_wstring(GetCurrentProcessId());
+}
+
+void RemoveOwnRegistry() {
+  RegOverridePredefKey(platform::SystemCurrentUser, nullptr);
+  RegDeleteTreeW(platform::SystemCurrentUser, OwnRegistry().c_str());
+}
+
+}  // namespace
+
+/// What the user's registry holds lies below a key of its own too, which goes with the process.
 void UseFolder(const std::string& path) {
   UseHome(path + "home");
-  const std::wstring name = L"Software\\Quillmere tests\\" + std::to_wstring(GetCurrentProcessId());
+  RemoveOwnRegistry();
   ::HKEY own = nullptr;
-  RegCreateKeyExW(platform::SystemCurrentUser, name.c_str(), 0, nullptr, REG_OPTION_VOLATILE,
-                  KEY_ALL_ACCESS, nullptr, &own, nullptr);
+  RegCreateKeyW(platform::SystemCurrentUser, OwnRegistry().c_str(), &own);
   RegOverridePredefKey(platform::SystemCurrentUser, own);
   RegCloseKey(own);
+  std::atexit(RemoveOwnRegistry);
 }
 
 void UseHome(const std::string& path) {

@@ -16,12 +16,14 @@ inline constexpr std::uint32_t WAIT_OBJECT_0 = 0;
 inline constexpr std::uint32_t WAIT_TIMEOUT = 258;
 inline constexpr std::uint32_t WAIT_FAILED = 0xFFFFFFFF;
 
-/// Opens a notification on `folder`. `filter` is FILE_NOTIFY_CHANGE_FILE_NAME (a file created,
+/// Opens a notification on `folder`. `filter` must be FILE_NOTIFY_CHANGE_FILE_NAME (a file created,
 /// deleted or renamed) plus FILE_NOTIFY_CHANGE_LAST_WRITE (a file's last write time changed); mode
 /// bits alone, and what happens in or to subfolders, are no change. `subtree` must be 0. A folder
 /// that goes away and comes back, or is replaced by another, is watched again, and both count as a
-/// change; so does a change record that overflowed. INVALID_HANDLE_VALUE when the folder does not
-/// exist or cannot be watched.
+/// change; so does a change record that overflowed, and the coming of a folder that did not exist.
+/// What the system does not watch, or whose changes it does not all tell, is looked at about every
+/// two seconds instead; then a subfolder that comes or goes counts as well.
+/// INVALID_HANDLE_VALUE when `folder` is no path.
 HANDLE FindFirstChangeNotificationA(const std::string& folder, int subtree, std::uint32_t filter);
 
 /// Re-arms a signalled handle. Changes since the signal are kept and satisfy the next wait at once.

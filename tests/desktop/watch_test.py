@@ -1,15 +1,17 @@
 """The watch and its reports: each kind of change, and every one of thousands at once."""
 
 import contextlib
+import ctypes
 import os
 import re
+import resource
 import time
 import unittest
 from collections import Counter
 from datetime import datetime
 from pathlib import Path
 
-from harness import SAVE_LOG, DesktopTest, Program, main
+from harness import SAVE_LOG, DesktopTest, Program, main, wait_until
 
 # The program runs five and a half hours east of Greenwich.
 OLD = datetime.fromisoformat("2004-03-07T03:35:02+00:00").timestamp()
@@ -17,7 +19,10 @@ OLD_TEXT = "2004-03-07 09:05:02"
 NEW = OLD + 3600
 NEW_TEXT = "2004-03-07 10:05:02"
 NOW = re.compile(r"(\d{1,2}/\d{1,2}/\d{4} \d{1,2}:\d\d:\d\d [AP]M) - Cookie file (.*)")
-QUEUE = int(Path("/proc/sys/fs/inotify/max_queued_events").read_text())
+INOTIFY = Path("/proc/sys/fs/inotify")
+QUEUE = int((INOTIFY / "max_queued_events").read_text())
+INSTANCES = int((INOTIFY / "max_user_instances").read_text())
+MOST_FILES = resource.getrlimit(resource.RLIMIT_NOFILE)[1]
 JANE = "jane@present[1].txt"
 added = f"added: {{}}, {{}} bytes, {OLD_TEXT}".format
 removed = f"removed: {{}}, {{}} bytes, {OLD_TEXT}".format
@@ -27,6 +32,17 @@ modified = f"modified: {{}} - {{}}bytes {OLD_TEXT} => {{}} bytes {NEW_TEXT}".for
 def write(path, size, moment=OLD):
     path.write_bytes(b"x" * size)
     os.utime(path, (moment, moment))
+
+
+@contextlib.contextmanager
+def inotify_used_up():
+    """Takes all that the kernel grants a user, as other programs may."""
+    resource.setrlimit(resource.RLIMIT_NOFILE, (MOST_FILES, MOST_FILES))
+    take = ctypes.CDLL(None).inotify_init1
+    with contextlib.ExitStack() as given_back:
+        while (instance := take(os.O_CLOEXEC)) >= 0:
+            given_back.callback(os.close, instance)
+        yield
 
 
 class WatchTest(DesktopTest):
@@ -118,6 +134,29 @@ class WatchTest(DesktopTest):
 
     def test_storm(self):
         self.check_storms(10_000)
+
+    @unittest.skipIf(INSTANCES + 100 > MOST_FILES, "too many instances to use up")
+    def test_inotify_used_up(self):
+        program = self.program(config=SAVE_LOG, accessible=False)
+        watching, program.watching = program.watching, program.find_window
+        names = [f"{number}.txt" for number in range(1000)]
+        with inotify_used_up():
+            program.start()
+            program.wait_for_rest()
+            self.assertFalse(watching())
+            for done in range(0, 1000, 250):
+                for name in names[done:done + 250]:
+                    (program.cookies / name).touch()
+                program.told(done + 250)
+            os.utime(program.cookies / names[0], (NEW, NEW))
+            self.assertEqual(program.told(1001)[-1], f"modified: {names[0]}")
+        wait_until(watching, "the watch, once there is an instance for it")
+        (program.cookies / names[0]).unlink()
+        expected = Counter([f"added: {name}" for name in names])
+        expected.update([f"modified: {names[0]}", f"removed: {names[0]}"])
+        program.told(1002)
+        program.wait_for_rest()
+        self.assertEqual(Counter(program.told()), expected)
 
     @unittest.skipIf(QUEUE > 1_000_000, "the kernel's queue is too long to overflow here")
     def test_queue_overflow(self):

@@ -13,8 +13,7 @@ FolderChanges::FolderChanges(std::string folder)
       identity_(IdentityOf(folder_)),
       events_(inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {
   constexpr std::uint32_t Changes = IN_MODIFY | IN_CLOSE_WRITE | IN_ATTRIB | IN_CREATE | IN_DELETE |
-                                    IN_MOVED_FROM | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF |
-                                    IN_ONLYDIR;
+                                    IN_MOVED_FROM | IN_MOVED_TO | IN_ONLYDIR;
   if (events_ && inotify_add_watch(events_.Number(), folder_.c_str(), Changes) < 0) events_.Close();
 }
 

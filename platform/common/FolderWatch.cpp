@@ -10,8 +10,9 @@ using std::chrono::milliseconds;
 constexpr milliseconds BetweenLooks{2000};
 /// For a folder that is not there: to see that is one call.
 constexpr milliseconds BetweenLooksForIt{100};
-/// A look that takes long, at a slow share or very many files, is made in pieces.
-constexpr milliseconds Piece{10};
+/// A look that takes long, at a slow share or very many files, is made in pieces; a million files
+/// take seconds.
+constexpr milliseconds Piece{5};
 
 }  // namespace
 
@@ -22,7 +23,8 @@ void FolderWatch::Begin() {
 
 void FolderWatch::HowToGoOn() {
   looking_ = !watching_ || !TellsAll();
-  if (looking_ || NeedsStamps()) TakeInAll();
+  if (looking_ || NeedsStamps()) Learn();
+  CatchUp();
 }
 
 void FolderWatch::Lose() {
@@ -32,9 +34,14 @@ void FolderWatch::Lose() {
 }
 
 bool FolderWatch::TakeIn() {
-  if (!signalled_ && watching_) TakeEvents();
-  if (!signalled_ && looking_ && Clock::now() >= nextLook_) Look();
+  if (!signalled_) CatchUp();
+  if (!signalled_ && Clock::now() >= NextLook()) Look();
   return signalled_;
+}
+
+void FolderWatch::CatchUp() {
+  if (watching_) TakeEvents();
+  Stamps.CaughtUp();
 }
 
 bool FolderWatch::LooksElsewhere() {
@@ -51,14 +58,24 @@ void FolderWatch::Look() {
     HowToGoOn();
     return Signal();  // for what came between the last look and the watch
   }
+  if (learning_) return LearnOn();
   const bool another = !reading_ && BeginReading();
-  const bool others = GoOnReading(Clock::now() + Piece);
+  const bool others = GoOnReading();
   if (another || others) Signal();
 }
 
-void FolderWatch::TakeInAll() {
+void FolderWatch::Learn() {
+  Stamps.ForgetAll();
+  learning_ = true;
   BeginReading();
-  GoOnReading(Clock::time_point::max());
+  GoOnReading();
+}
+
+void FolderWatch::LearnOn() {
+  GoOnReading();
+  CatchUp();
+  // What no event tells may have happened to a file before it was learnt.
+  if (!learning_ && looking_) Signal();
 }
 
 /// Returns whether the folder itself has changed.
@@ -70,17 +87,23 @@ bool FolderWatch::BeginReading() {
 }
 
 /// Returns whether a file has changed.
-bool FolderWatch::GoOnReading(Clock::time_point end) {
+bool FolderWatch::GoOnReading() {
+  const auto end = Clock::now() + Piece;
   bool changed = false;
   FolderReading::File file;
   while (reading_->Next(file)) {
-    changed = Stamps.Update(file.Name, file.Stamp) || changed;
-    const auto now = Clock::now();
-    if (now < end) continue;
-    nextLook_ = now + Piece;
+    if (learning_) {
+      Stamps.Learn(file.Name, file.Stamp);
+    } else {
+      changed = Stamps.Update(file.Name, file.Stamp) || changed;
+    }
+    nextLook_ = Clock::now();
+    if (nextLook_ < end) continue;
+    if (!learning_) nextLook_ += Piece;
     return changed;
   }
   reading_.reset();
+  learning_ = false;
   nextLook_ = Clock::now() + (folder_ ? BetweenLooks : BetweenLooksForIt);
   return Stamps.EndRound() || changed;
 }

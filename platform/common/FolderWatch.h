@@ -35,8 +35,9 @@ class FolderReading {
 /// The change notification of one folder: signalled by the events of the system that watches it,
 /// and by looking at it every two seconds where the system does not: because it refuses, because
 /// the folder is not there, or because the events leave out what is done from elsewhere. A look is
-/// one at the folder itself, then at its files, in pieces that keep nothing waiting. What is known
-/// is taken in before the signal, so that whoever looks after it misses nothing.
+/// one at the folder itself, then at its files, in pieces that keep nothing waiting, as is the
+/// learning of what is there at first. What is known is taken in before the signal, so that whoever
+/// looks after it misses nothing.
 class FolderWatch {
  public:
   using Clock = std::chrono::steady_clock;
@@ -57,7 +58,9 @@ class FolderWatch {
   bool TakeIn();
 
   /// When `TakeIn` has something to look at.
-  Clock::time_point NextLook() const { return looking_ ? nextLook_ : Clock::time_point::max(); }
+  Clock::time_point NextLook() const {
+    return looking_ || learning_ ? nextLook_ : Clock::time_point::max();
+  }
 
   /// Whether the path leads somewhere else than when it was watched, which no event tells: a parent
   /// was renamed, or another file system mounted over it. Looks once a second: at rest, a look at
@@ -84,19 +87,22 @@ class FolderWatch {
   void Signal() { signalled_ = true; }
   /// The events have come to an end. The folder that is there now is watched if it can be.
   void Lose();
-  /// Takes in the whole folder, as known.
-  void TakeInAll();
+  /// Begins to learn the folder's files anew. One that is not known yet counts as changed.
+  void Learn();
 
   FileStamps Stamps;
 
  private:
   void HowToGoOn();
+  void CatchUp();
   void Look();
+  void LearnOn();
   bool BeginReading();
-  bool GoOnReading(Clock::time_point end);
+  bool GoOnReading();
 
   bool watching_ = false;
   bool looking_ = false;
+  bool learning_ = false;
   bool signalled_ = false;
   Clock::time_point nextLook_;
   Clock::time_point nextLookElsewhere_;

@@ -137,7 +137,7 @@ void InotifyWatch::TakeEvents() {
   LookAtWritten();
   if (overflowed) {
     Signal();
-    TakeInAll();
+    Learn();
   }
   if (lost) Lose();
 }

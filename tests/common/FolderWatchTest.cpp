@@ -102,18 +102,21 @@ TEST(FolderWatch, WhatTheSystemDoesNotTellIsSeenWithinTwoSecondsAndSignalledOnce
   }
 }
 
-TEST(FolderWatch, ASlowLookIsMadeInPieces) {
+TEST(FolderWatch, ASlowFolderIsLearntAndLookedAtInPieces) {
   Watch watch;
   for (std::size_t name = 0; name < 40; ++name) watch.There.Files[name] = name;
   watch.There.PerFile = milliseconds(5);
   watch.Begin();
-  watch.There.Files[39] = 0;
-  const auto begun = FolderWatch::Clock::now();
-  while (!watch.IsSignalled() && FolderWatch::Clock::now() < begun + std::chrono::seconds(20)) {
-    std::this_thread::sleep_for(milliseconds(1));
-    const auto start = FolderWatch::Clock::now();
-    watch.TakeIn();
-    EXPECT_LT(FolderWatch::Clock::now() - start, milliseconds(100));
+  for (const char* what : {"what may have changed before it was learnt", "a change"}) {
+    watch.There.Files[39] += 1;
+    const auto begun = FolderWatch::Clock::now();
+    while (!watch.IsSignalled() && FolderWatch::Clock::now() < begun + std::chrono::seconds(20)) {
+      std::this_thread::sleep_for(milliseconds(1));
+      const auto start = FolderWatch::Clock::now();
+      watch.TakeIn();
+      EXPECT_LT(FolderWatch::Clock::now() - start, milliseconds(100));
+    }
+    EXPECT_TRUE(watch.IsSignalled()) << what;
+    watch.Rearm();
   }
-  EXPECT_TRUE(watch.IsSignalled());
 }

@@ -43,8 +43,8 @@ TEST(Inotify, TheTimesOfALargeFolderAreLearntWhileItIsWatched) {
   constexpr int Files = 10'000;
   for (int i = 0; i < Files; ++i) large.Write(std::to_string(i));
   const auto file = [&](int number) { return large.Path(std::to_string(number * 7919 % Files)); };
-  const HANDLE handle =
-      FindFirstChangeNotificationA(large.Path(), 0, FILE_NOTIFY_CHANGE_LAST_WRITE);
+  const HANDLE handle = FindFirstChangeNotificationA(
+      large.Path(), 0, FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_LAST_WRITE);
   for (int i = 0; i < 30; ++i) {
     fs::last_write_time(file(i), fs::file_time_type(std::chrono::hours(i)));
     EXPECT_EQ(WaitForSingleObject(handle, 5000), WAIT_OBJECT_0) << i;

@@ -78,8 +78,8 @@ TEST(WindowsFiles, PathsAreOfAnyLength) {
     folder += std::string(50, 'd') + '\\';
     EXPECT_TRUE(platform::MkDir(folder));
   }
-  const platform::HANDLE watch =
-      platform::FindFirstChangeNotificationA(folder, 0, platform::FILE_NOTIFY_CHANGE_FILE_NAME);
+  const platform::HANDLE watch = platform::FindFirstChangeNotificationA(
+      folder, 0, platform::FILE_NOTIFY_CHANGE_FILE_NAME | platform::FILE_NOTIFY_CHANGE_LAST_WRITE);
   EXPECT_TRUE(platform::AppendFile(folder + "a.txt", "te"));
   EXPECT_TRUE(platform::AppendFile(folder + "a.txt", "xt"));
   EXPECT_TRUE(platform::WriteFileWhole(folder + "b.txt", "text"));

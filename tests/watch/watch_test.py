@@ -15,7 +15,7 @@ PROGRAM = sys.argv[2:]
 WINDOWS = PROGRAM[-1].endswith(".exe")
 NUMBERS = range(1, COUNT + 1)
 # Each leaves nothing half done that the watch could meet. "#" stands for a number.
-STEPS = ["type nul> #.txt", "echo a>> #.txt", "ren #.txt new#.txt", "del new#.txt"]
+STEPS = ["type nul> #.txt", "type ..\\one>> #.txt", "ren #.txt new#.txt", "del new#.txt"]
 
 
 def by_this_process(folder):
@@ -51,6 +51,7 @@ class WatchTest(unittest.TestCase):
         self.addCleanup(made.cleanup)
         self.folder = Path(made.name, "Kekse für Ωλγα 🍪")
         self.folder.mkdir()
+        self.folder.with_name("one").write_text("a")
         path = "Z:" + str(self.folder).replace("/", "\\") if WINDOWS else self.folder
         self.watch = subprocess.Popen([*PROGRAM, path], stdout=subprocess.PIPE)
         self.addCleanup(self.watch.communicate)

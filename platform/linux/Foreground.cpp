@@ -5,30 +5,39 @@
 #include "platform/Forms.h"
 #include "platform/linux/Handles.h"
 #include "platform/linux/Widgets.h"
+#include "platform/linux/WindowManager.h"
 
 namespace platform {
 
-void ComeForward(QWidget& window) {
+namespace {
+
+void BringToFront(QWidget& window) {
+  const auto id = static_cast<xcb_window_t>(window.winId());
+  ComeToThisDesktop(id);
   window.raise();
   window.activateWindow();
-  QWidget* question = QApplication::activeModalWidget();
-  if (!question || question == &window) return;
-  question->raise();
-  question->activateWindow();
+  AskForFront(id);
 }
-
-namespace {
 
 bool IsPopup(const QWidget& window) { return window.testAttribute(Qt::WA_ShowWithoutActivating); }
 
 }  // namespace
+
+void ComeForward(QWidget& window) {
+  BringToFront(window);
+  QWidget* question = QApplication::activeModalWidget();
+  if (question && question != &window) BringToFront(*question);
+}
 
 int SetForegroundWindow(std::uint32_t window) {
   const Control* control = ControlByHandle(window);
   if (!control) return 0;
   QWidget* widget = Widget(*control);
   // A request for one that is not on the screen would bring it there, now or later.
-  if (!widget->isVisible() || widget->isMinimized()) return 0;
+  if (!widget->isVisible() || widget->isMinimized() ||
+      IsOnOtherDesktop(static_cast<xcb_window_t>(widget->winId()))) {
+    return 0;
+  }
   ComeForward(*widget);
   return 1;
 }

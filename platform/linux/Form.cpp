@@ -98,22 +98,14 @@ void Form::Load() {
 void Form::Show(const Form* owner) {
   Load();
   if (state_->Unloading) return;
-  const QWidget* window = state_->Window;
-  if (owner && !window->isVisible()) {
-    const QWidget* holder = Widget(*owner);
-    // A window manager would keep a dialog off the screen together with its owner.
-    const bool isOwned =
-        window->windowType() != Qt::Dialog || (holder->isVisible() && !holder->isMinimized());
-    window->winId();  // makes the native window, which alone can have an owner
-    window->windowHandle()->setTransientParent(isOwned ? holder->windowHandle() : nullptr);
-  }
+  if (owner) state_->Window->Owner(*static_cast<FormWidget*>(Widget(*owner)));
   if (state_->Design.ShowWithoutActivating) return PutOnPile(*state_->Window);
   state_->Window->ComeUp();
 }
 
 void Form::Hide() {
   TakeOffPile(*state_->Window);
-  state_->Window->hide();
+  state_->Window->GoAway();
 }
 
 void Form::Unload() {
@@ -139,16 +131,20 @@ void Form::Caption(std::string_view text) {
 }
 
 int Form::WindowState() const {
-  const Qt::WindowStates state = state_->Window->windowState();
+  const Qt::WindowStates state = state_->Window->State();
   if (state & Qt::WindowMinimized) return vbMinimized;
   return (state & Qt::WindowMaximized) ? vbMaximized : vbNormalState;
 }
 
 void Form::WindowState(int state) {
-  const Qt::WindowStates wanted = state == vbMinimized   ? Qt::WindowMinimized
-                                  : state == vbMaximized ? Qt::WindowMaximized
-                                                         : Qt::WindowNoState;
-  state_->Window->setWindowState(wanted);
+  switch (state) {
+    case vbMinimized:
+      return state_->Window->setWindowState(Qt::WindowMinimized);
+    case vbMaximized:
+      return state_->Window->setWindowState(Qt::WindowMaximized);
+    default:
+      return state_->Window->BackToNormal();
+  }
 }
 
 void Form::PopupMenu(const Menu& menu) {

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
+#include <xcb/xcb.h>
 
 #include <QPointer>
 #include <QWidget>
 
 #include "platform/Forms.h"
+#include "platform/linux/NormalPlace.h"
 #include "platform/linux/OwnAccessible.h"
 
 namespace platform {
@@ -27,12 +31,21 @@ class FormWidget : public QWidget, public OwnAccessible {
   /// Shows the window, complete with what it makes when it is shown for the first time. One that
   /// is there already comes to the front.
   void ComeUp();
+  /// Whose window it is from the next `ComeUp` on.
+  void Owner(FormWidget& owner) { owner_ = &owner; }
+  /// Hides the window until it comes up, or is brought back by the user from where it hides.
+  void GoAway();
+  /// While nothing else would lead back to it, the window hides minimised in the task bar.
+  void HideInTaskbar(bool inTaskbar);
+  /// The state that the program knows: of a hidden window the one that it went away with.
+  Qt::WindowStates State() const;
+  /// Neither minimised nor maximised, where the window last was so.
+  void BackToNormal();
   /// The program's first window, which is its main one; none before it is made.
   static const QPointer<FormWidget>& Main() { return main_; }
   QAccessibleInterface* NewAccessible() override;
   /// Events that come from now on go nowhere.
   void Forget() { form_ = nullptr; }
-  Form* Owner() const { return form_; }
   /// The window's age on the pile of popups, from 1; 0 when it is not on it.
   std::uint64_t PileNumber = 0;
 
@@ -43,15 +56,28 @@ class FormWidget : public QWidget, public OwnAccessible {
   void mouseMoveEvent(QMouseEvent* event) override;
 
  private:
+  xcb_window_t Id() { return static_cast<xcb_window_t>(winId()); }
+  void StateChanged(bool byWindowManager);
   void ApplyTabOrder();
-  /// Windows that window managers minimise together with this one.
-  void BringOwnedBack() const;
+  void PrepareToShow();
+  void JoinOwner();
+  void StayAway();
+  /// On the desktop that the user sees.
+  bool IsInSight();
+  /// With what window managers take off the screen together with this one, or would.
+  void CameBack();
+  void StayAboveOwner();
 
   inline static QPointer<FormWidget> main_;
   Form* form_;
   QAccessible::Role role_;
   bool inTaskbar_;
   bool cameUp_ = false;
+  bool isMinimised_ = false;  // beyond doubt, other than what the toolkit tells
+  bool hidesInTaskbar_ = false;
+  QPointer<FormWidget> owner_;
+  std::optional<Qt::WindowStates> wentAs_;    // of a window that is hidden
+  std::unique_ptr<NormalPlace> normalPlace_;  // of a window that can be maximised
   std::vector<std::pair<int, QWidget*>> tabStops_;
 };
 

@@ -14,7 +14,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "platform/linux/XServer.h"
+#include "platform/linux/Foreground.h"
 
 namespace platform {
 
@@ -89,30 +89,7 @@ void HelpWindow::Open(const QUrl& page) {
   pages_->setSource(page);
   setWindowState(windowState() & ~Qt::WindowMinimized);
   show();
-  raise();
-  activateWindow();
-  ComeForward();
-}
-
-/// A window manager that guards the keyboard refuses it to a program whose last click is older than
-/// another's. The click that asks for the help was made in another program, so it is told that the
-/// wish is the user's own.
-void HelpWindow::ComeForward() {
-  xcb_connection_t* connection = XConnection();
-  if (!connection) return;
-  constexpr std::uint8_t AtomBits = 32;
-  constexpr std::uint32_t FromUser = 2;
-  xcb_client_message_event_t message{};
-  message.response_type = XCB_CLIENT_MESSAGE;
-  message.format = AtomBits;
-  message.window = static_cast<xcb_window_t>(winId());
-  message.type = XAtom("_NET_ACTIVE_WINDOW");
-  message.data.data32[0] = FromUser;
-  const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-  xcb_send_event(connection, 0, root,
-                 XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY | XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT,
-                 reinterpret_cast<const char*>(&message));
-  xcb_flush(connection);
+  ComeForward(*this);
 }
 
 QAccessibleInterface* HelpWindow::NewAccessible() {

@@ -25,7 +25,6 @@ class HelpWindow : public QWidget, public OwnAccessible {
   void changeEvent(QEvent* event) override;
 
  private:
-  void ComeForward();
   QLayout* MakeButtons();
   void Find(bool fromStart);
 

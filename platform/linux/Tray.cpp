@@ -1,11 +1,7 @@
 #include <cstdint>
 #include <memory>
 
-#include <QAbstractNativeEventFilter>
 #include <QApplication>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusServiceWatcher>
 #include <QMenu>
 #include <QMouseEvent>
 #include <QPointer>
@@ -13,58 +9,20 @@
 
 #include "platform/Forms.h"
 #include "platform/Shell.h"
+#include "platform/linux/FormWidget.h"
 #include "platform/linux/Handles.h"
+#include "platform/linux/TrayHosts.h"
 #include "platform/linux/Widgets.h"
-#include "platform/linux/XServer.h"
 
 namespace platform {
 
 namespace {
-
-const QString NotifierWatcher = QStringLiteral("org.kde.StatusNotifierWatcher");
 
 /// The menu for trays that draw menus themselves.
 QPointer<QMenu>& MenuForTray() {
   static QPointer<QMenu> menu;
   return menu;
 }
-
-/// Tells when a tray of the older kind, which takes an icon as a window of X11, is there.
-class EmbeddingTray : public QObject, public QAbstractNativeEventFilter {
-  Q_OBJECT
-
- public:
-  EmbeddingTray() {
-    if (!connection_) return;
-    selection_ = XAtom("_NET_SYSTEM_TRAY_S0");
-    manager_ = XAtom("MANAGER");
-    qApp->installNativeEventFilter(this);
-  }
-
-  bool IsThere() const {
-    if (!connection_) return false;
-    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection_, xcb_get_selection_owner(connection_, selection_), nullptr));
-    return reply && reply->owner != XCB_NONE;
-  }
-
-  bool nativeEventFilter(const QByteArray&, void* message, qintptr*) override {
-    constexpr std::uint8_t SentByClient = 0x80;
-    const auto* event = static_cast<xcb_generic_event_t*>(message);
-    if ((event->response_type & ~SentByClient) != XCB_CLIENT_MESSAGE) return false;
-    const auto* news = static_cast<xcb_client_message_event_t*>(message);
-    if (news->type == manager_ && news->data.data32[1] == selection_) emit Came();
-    return false;
-  }
-
- signals:
-  void Came();
-
- private:
-  xcb_connection_t* const connection_ = XConnection();
-  xcb_atom_t selection_ = XCB_NONE;
-  xcb_atom_t manager_ = XCB_NONE;
-};
 
 /// The number that a button's press has; its release and its second press follow.
 std::uint32_t PressMessage(Qt::MouseButton button) {
@@ -84,12 +42,8 @@ std::uint32_t PressMessage(Qt::MouseButton button) {
 /// so that is put off until there is one.
 class TrayIcon : public QObject {
  public:
-  explicit TrayIcon(const NOTIFYICONDATA& data)
-      : data_(data),
-        notifierWatcher_(NotifierWatcher, QDBusConnection::sessionBus(),
-                         QDBusServiceWatcher::WatchForRegistration) {
-    connect(&notifierWatcher_, &QDBusServiceWatcher::serviceRegistered, this, &TrayIcon::Appear);
-    connect(&embedding_, &EmbeddingTray::Came, this, &TrayIcon::Appear, Qt::QueuedConnection);
+  explicit TrayIcon(const NOTIFYICONDATA& data) : data_(data) {
+    connect(&hosts_, &TrayHosts::Changed, this, &TrayIcon::Appear);
     qApp->installEventFilter(this);
     Appear();
   }
@@ -97,8 +51,7 @@ class TrayIcon : public QObject {
   void Disappear() {
     data_.hWnd = 0;
     qApp->removeEventFilter(this);
-    disconnect(&notifierWatcher_, nullptr, this, nullptr);
-    disconnect(&embedding_, nullptr, this, nullptr);
+    disconnect(&hosts_, nullptr, this, nullptr);
     if (icon_) icon_->hide();
   }
 
@@ -110,15 +63,17 @@ class TrayIcon : public QObject {
     const auto* mouse = dynamic_cast<QMouseEvent*>(event);
     if (!mouse) return false;
     const std::uint32_t press = PressMessage(mouse->button());
+    // A button that is held brings its events here from anywhere.
+    const bool isOver = static_cast<QWidget*>(watched)->rect().contains(mouse->pos());
     switch (event->type()) {
       case QEvent::MouseMove:
-        Deliver(WM_MOUSEMOVE);
+        if (isOver) Deliver(WM_MOUSEMOVE);
         return false;
       case QEvent::MouseButtonPress:
         if (press) Deliver(press);
         return true;
       case QEvent::MouseButtonRelease:
-        if (press) Deliver(press + 1);
+        if (press && isOver) Deliver(press + 1);
         return true;
       case QEvent::MouseButtonDblClick:
         if (press) Deliver(press + 2);
@@ -130,13 +85,17 @@ class TrayIcon : public QObject {
 
  private:
   void Appear() {
-    if (icon_) return;
-    const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
-    const bool drawsMenus = bus && bus->isServiceRegistered(NotifierWatcher);
-    if (!drawsMenus && !embedding_.IsThere()) return;
+    if (!icon_ && (hosts_.Notifies() || hosts_.Embeds())) MakeIcon();
+    const bool isSeen = icon_ && (isNotifier_ ? hosts_.Notifies() : hosts_.Embeds());
+    // Without the icon nothing leads back to a window that is hidden.
+    if (Form* form = Window()) static_cast<FormWidget*>(Widget(*form))->HideInTaskbar(!isSeen);
+  }
+
+  void MakeIcon() {
+    isNotifier_ = hosts_.Notifies();
     icon_ = std::make_unique<QSystemTrayIcon>(PictureByHandle(data_.hIcon));
     icon_->setToolTip(FromText(data_.szTip.data()));
-    if (drawsMenus && MenuForTray()) {
+    if (isNotifier_ && MenuForTray()) {
       menu_ = std::make_unique<QMenu>();
       menu_->addActions(MenuForTray()->actions());
       icon_->setContextMenu(menu_.get());
@@ -163,18 +122,20 @@ class TrayIcon : public QObject {
   /// over them, or remove the icon.
   void Deliver(std::uint32_t event) {
     if (data_.uCallbackMessage != WM_MOUSEMOVE) return;
-    const auto arrive = [window = data_.hWnd, event] {
-      auto* form = dynamic_cast<Form*>(ControlByHandle(window));
-      if (form) {
+    const auto arrive = [this, event] {
+      if (Form* form = Window()) {
         form->Form_MouseMove(static_cast<float>(ToTwips(static_cast<int>(event))));
       }
     };
     QMetaObject::invokeMethod(this, arrive, Qt::QueuedConnection);
   }
 
+  /// The one that the icon's events go to, while it is there.
+  Form* Window() const { return dynamic_cast<Form*>(ControlByHandle(data_.hWnd)); }
+
   NOTIFYICONDATA data_;
-  QDBusServiceWatcher notifierWatcher_;
-  EmbeddingTray embedding_;
+  TrayHosts hosts_;
+  bool isNotifier_ = false;  // the kind of tray that the toolkit has settled on
   std::unique_ptr<QMenu> menu_;
   std::unique_ptr<QSystemTrayIcon> icon_;
 };
@@ -203,5 +164,3 @@ int Shell_NotifyIconA(std::uint32_t message, const NOTIFYICONDATA& data) {
 }
 
 }  // namespace platform
-
-#include "Tray.moc"

@@ -1,6 +1,5 @@
 #include "platform/linux/XServer.h"
 
-#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <string>
@@ -55,18 +54,6 @@ xcb_atom_t XAtom(std::string_view name) {
   const XReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
       connection, xcb_intern_atom(connection, 0, length, name.data()), nullptr));
   return reply ? reply->atom : xcb_atom_t{XCB_NONE};
-}
-
-void LeaveTaskbar(xcb_window_t window) {
-  xcb_connection_t* connection = XConnection();
-  if (!connection) return;
-  static const xcb_atom_t state = XAtom("_NET_WM_STATE");
-  static const std::array<xcb_atom_t, 2> skip{XAtom("_NET_WM_STATE_SKIP_TASKBAR"),
-                                              XAtom("_NET_WM_STATE_SKIP_PAGER")};
-  // The toolkit adds its own states to what it finds there when it shows the window.
-  constexpr std::uint8_t AtomBits = 32;
-  xcb_change_property(connection, XCB_PROP_MODE_REPLACE, window, state, XCB_ATOM_ATOM, AtomBits,
-                      static_cast<std::uint32_t>(skip.size()), skip.data());
 }
 
 }  // namespace platform

@@ -33,8 +33,4 @@ struct FreeReply {
 template <typename T>
 using XReply = std::unique_ptr<T, FreeReply>;
 
-/// Keeps a window that is not on the screen yet out of taskbars and pagers; silent without X. The
-/// kind of window alone is not enough for each of them.
-void LeaveTaskbar(xcb_window_t window);
-
 }  // namespace platform

@@ -75,10 +75,17 @@ class EmbeddingTray:
                            self.tree())
         return [(int(left) + 5, int(top) + 5) for left, top in found]
 
+    def point(self):
+        """At the icon. Panels stay above, while nothing keeps this window there."""
+        run("xdotool", "search", "--name", f"^{TITLE}$", "windowraise")
+        run("xdotool", "mousemove", *self.items()[0])
+
     def click(self, button=1):
-        run("xdotool", "mousemove", *self.items()[0], "click", button)
+        self.point()
+        run("xdotool", "click", button)
 
     def double_click(self):
+        self.point()
         double_click(*self.items()[0])
 
 

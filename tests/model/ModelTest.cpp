@@ -451,7 +451,8 @@ class ModelRun {
                 PublicDim.MsgFileSize == now_.MsgFile[1] &&
                 PublicDim.MsgFileModified == now_.MsgFile[2],
             "what the popup gets");
-    Require(platform::Widget(form_)->isVisible() == now_.Visible &&
+    const QWidget* window = platform::Widget(form_);  // hidden in the task bar, without a tray
+    Require((window->isVisible() && !window->isMinimized()) == now_.Visible &&
                 (form_.WindowState() == platform::vbMinimized) == now_.Minimised,
             "the window");
   }

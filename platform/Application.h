@@ -27,8 +27,8 @@ std::string AppExeName();
 std::string Command();
 
 /// Starts the form framework: makes the start-up window, raises its `Form_Load`, and hands out
-/// events until the process ends. A request from outside to end (SIGTERM, SIGINT, SIGHUP, the end
-/// of the desktop session) unloads that window like a click on its close box.
+/// events until the process ends. A request from outside to end, the end of the desktop session
+/// among them, unloads that window like a click on its close box.
 /// Returns the process's exit code.
 int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Form>()>& startUp);
 

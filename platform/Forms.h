@@ -9,16 +9,17 @@
 
 // The window framework: windows, controls, timers, menus and the event loop.
 //
-// A control is a thin handle over the toolkit's real widget; the widget is the truth, and reading a
-// property asks it. Positions and sizes are twips, 1440 to the inch; a child's place counts from
-// the top left corner of what holds it, a window's includes its frame. Events are the public
-// functions named after them and run on the one thread, only while events are handed out.
+// A control is a thin handle over the machine's real one; that one is the truth, and reading a
+// property asks it. Positions and sizes are twips, 1440 to the inch and 15 to a device independent
+// pixel, at every scale; a child's place counts from the top left corner of what holds it, a
+// window's includes its frame. Events are the public functions named after them and run on the one
+// thread, only while events are handed out.
 
 namespace platform {
 
 class Container;
 class Form;
-struct NativeWidget;  // the toolkit's own object; opaque above the platform
+struct NativeWidget;  // what stands behind a control; opaque above the platform
 
 /// Colours are 0xRRGGBB; with the high bit set they are the desktop theme's. A `BackColor` of that
 /// kind follows a change of theme.

@@ -62,8 +62,9 @@ int ShellExecuteA(std::uint32_t window, const std::string& verb, const std::stri
 
 inline constexpr std::uint32_t HH_DISPLAY_TOPIC = 0;
 
-/// Opens the help that belongs to `path` in a viewer that outlives the program, or brings that
-/// viewer to the front when it is open. Does not wait for it. 0 when there is no such help.
+/// Opens the help that belongs to `path`, or brings it to the front when it is open. Does not wait
+/// for it; whether its viewer outlives the program is the machine's own. 0 when there is no such
+/// help.
 std::uint32_t HtmlHelpA(std::uint32_t window, const std::string& path, std::uint32_t command,
                         std::uint32_t data);
 

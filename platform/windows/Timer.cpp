@@ -1,9 +1,9 @@
 #include "platform/windows/SystemWindows.h"
 
 #include <algorithm>
-#include <set>
-#include <utility>
+#include <optional>
 
+#include "platform/common/TickQueue.h"
 #include "platform/windows/EventLoop.h"
 #include "platform/windows/Widget.h"
 
@@ -11,81 +11,57 @@ namespace platform {
 
 namespace {
 
-struct Clock {
-  const std::function<void()>* Tick;
-  ULONGLONG Interval;
-  ULONGLONG Due = 0;  ///< 0 while it stands still.
-  bool Ticking = false;
-};
+using Time = TickQueue::Time;
 
 /// All timers of the program over one of the system's: those count among a process's objects, of
-/// which it has ten thousand, and every popup has a timer.
+/// which it has ten thousand.
 class Timers {
  public:
-  void Start(Clock& clock) {
-    Stop(clock);
-    clock.Due = GetTickCount64() + clock.Interval;
-    waiting_.emplace(clock.Due, &clock);
-    Arm();
+  void Start(TickQueue::Clock& clock) {
+    queue_.Start(clock, Now());
+    Await(queue_.Next());
   }
 
-  void Stop(Clock& clock) {
-    waiting_.erase({clock.Due, &clock});
-    clock.Due = 0;
-  }
-
-  /// Each that is due ticks once, however late. The timer is armed again before every tick, which
-  /// may hand out events itself.
+  /// A storm of ticks leaves room for other events. A tick may hand out events itself: the alarm
+  /// for the next moment is set by then.
   void Tick() {
-    const ULONGLONG now = GetTickCount64();
-    while (!waiting_.empty() && waiting_.begin()->first <= now) {
-      Clock& clock = *waiting_.begin()->second;
-      waiting_.erase(waiting_.begin());
-      clock.Due = std::max(clock.Due + clock.Interval, now + 1);
-      waiting_.emplace(clock.Due, &clock);
-      Arm();
-      TickOnce(clock);
+    constexpr Time RoomForOthers(8);
+    const Time begun = Now();
+    while (TickQueue::Clock* const clock = queue_.TakeDue(Now())) {
+      Await(queue_.NextAfter(Now()));
+      const TickRuns runs;
+      clock->Tick();
+      if (Now() - begun > RoomForOthers) break;
     }
-    Arm();
+    Await(queue_.Next());
   }
 
  private:
   static constexpr UINT_PTR Number = 1;
 
-  static void TickOnce(Clock& clock) {
-    if (clock.Ticking || !*clock.Tick) return;
-    const TickRuns runs;
-    clock.Ticking = true;
-    (*clock.Tick)();
-    clock.Ticking = false;
-  }
+  static Time Now() { return Time(GetTickCount64()); }
+  static HWND Window();
 
-  /// The system's timer goes off when the first of them is due.
-  void Arm() {
-    if (waiting_.empty()) {
+  static void Await(std::optional<Time> next) {
+    if (!next) {
       KillTimer(Window(), Number);
       return;
     }
-    const ULONGLONG now = GetTickCount64();
-    const ULONGLONG due = waiting_.begin()->first;
-    const ULONGLONG wait = due > now ? due - now : 0;
-    SetTimer(Window(), Number, static_cast<UINT>(std::max<ULONGLONG>(wait, USER_TIMER_MINIMUM)),
-             nullptr);
+    const auto wait = std::max((*next - Now()).count(), Time::rep{USER_TIMER_MINIMUM});
+    SetTimer(Window(), Number, static_cast<UINT>(wait), nullptr);
   }
 
-  static HWND Window();
-
-  std::set<std::pair<ULONGLONG, Clock*>> waiting_;
+  TickQueue queue_;
 };
 
-Timers& All() {
+Timers& AllTimers() {
   static auto& timers = *new Timers;
   return timers;
 }
 
 LRESULT CALLBACK TimerProcedure(HWND window, UINT message, WPARAM w, LPARAM l) {
   if (message != WM_TIMER) return DefWindowProcW(window, message, w, l);
-  All().Tick();
+  AllTimers().Tick();
   return 0;
 }
 
@@ -96,21 +72,23 @@ HWND Timers::Window() {
 
 }  // namespace
 
-struct Timer::Native : Clock {};
+struct Timer::Native {
+  TickQueue::Clock Clock;
+};
 
 Timer::Timer(int intervalMilliseconds, bool enabled)
-    : native_(new Native{{&Tick, static_cast<ULONGLONG>(intervalMilliseconds)}}) {
-  if (enabled) All().Start(*native_);
+    : native_(new Native{{Time(intervalMilliseconds), Tick}}) {
+  if (enabled) AllTimers().Start(native_->Clock);
 }
 
-Timer::~Timer() { All().Stop(*native_); }
+Timer::~Timer() = default;
 
-bool Timer::Enabled() const { return native_->Due != 0; }
+bool Timer::Enabled() const { return native_->Clock.IsStarted(); }
 void Timer::Enabled(bool enabled) {
   if (enabled) {
-    All().Start(*native_);
+    AllTimers().Start(native_->Clock);
   } else {
-    All().Stop(*native_);
+    native_->Clock.Stop();
   }
 }
 

@@ -35,7 +35,8 @@ void FolderWatch::Lose() {
 
 bool FolderWatch::TakeIn() {
   if (!signalled_) CatchUp();
-  if (!signalled_ && Clock::now() >= NextLook()) Look();
+  const bool isMissing = looking_ && !watching_ && !folder_;  // seen by one call, at every wait
+  if (!signalled_ && (isMissing || Clock::now() >= NextLook())) Look();
   return signalled_;
 }
 

@@ -159,7 +159,7 @@ void Program::EndFirstScan() {
   FirstScan = false;
   Known = FilesIn(Folder);
   if (!Watching) return;
-  Notification = std::filesystem::exists(Folder) ? Handle::Live : Handle::Invalid;
+  Notification = std::filesystem::exists(Folder) ? Handle::Live : Handle::Lost;
   Changed = Gone = false;
 }
 
@@ -167,7 +167,7 @@ void Program::Wait() {
   Pending = Pending || Signalled;
   Signalled = Notification == Handle::Lost ? std::filesystem::exists(Folder)
                                            : Notification == Handle::Live && (Changed || Gone);
-  if (Signalled) Notification = Notification == Handle::Live && Gone ? Handle::Lost : Handle::Live;
+  if (Signalled) Notification = std::filesystem::exists(Folder) ? Handle::Live : Handle::Lost;
   Changed = Gone = false;
 }
 

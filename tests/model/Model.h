@@ -40,7 +40,7 @@ struct List {
   void Sort();
 };
 
-enum class Handle { None, Invalid, Live, Lost };
+enum class Handle { None, Live, Lost };
 
 struct Program {
   std::string Folder;

@@ -93,7 +93,8 @@ class SoundTest(DesktopTest):
         self.check_change(program, ["removed"], file.unlink)
         program.select_tab("Sound")
         program.tick("Play sound when a cookie file is removed")
-        buttons = sorted(program.controls("push button", "Play"), key=lambda b: b.place()[1])
+        buttons = [program.button(f"Play the sound of {kind} cookie file")
+                   for kind in ("an added", "a removed")]
         for button, sound in 6 * [*zip(buttons, NOTES)]:
             self.check_heard([sound], button.click)
         make_float_stereo(program.folder / "sound/1.wav")

@@ -47,8 +47,11 @@ WINDOW_MANAGER_FILES = {
     ".icewm/preferences": "ShowTaskBar=0\n",
     ".fluxbox/init": "session.screen0.toolbar.visible: false\n"
                      "session.screen0.toolbar.tools: iconbar\n"
-                     "session.styleOverlay: ~/.fluxbox/overlay\n",
+                     "session.styleOverlay: ~/.fluxbox/overlay\n"
+                     "session.configVersion: 13\n",  # or else it changes its keys
     ".fluxbox/overlay": "background: unset\n",
+    # By itself it rolls a window up there.
+    ".fluxbox/keys": "OnTitlebar Double Mouse1 :Maximize\nMod1 F4 :Close\n",
 }
 
 

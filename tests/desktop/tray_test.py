@@ -3,13 +3,15 @@
 import re
 import time
 
-from harness import (DesktopTest, act_until, double_click, end_process, front, key, main, options,
-                     run, viewers, wait_until)
+from harness import (WINDOW_MANAGERS, DesktopTest, act_until, double_click, end_process, front, key,
+                     main, options, run, under, viewers, wait_until)
 from embedding_host import EmbeddingTray
 from notifier_host import NotifierTray
 
 
 class TrayTest(DesktopTest):
+    size = 535, 254  # of the window in its normal state, in pixels
+
     def put_up(self, tray):
         self.tray = tray(self.desktop)
         self.addCleanup(end_process, self.tray.process)
@@ -25,7 +27,7 @@ class TrayTest(DesktopTest):
     def check_back(self):
         program = self.watched
         wait_until(lambda: program.mapped() and front() == program.find_window(), "it in front")
-        self.wait_for_equal(lambda: program.geometry()[2:], (535, 254))
+        self.wait_for_equal(lambda: program.geometry()[2:], self.size)
         self.assertNotRegex(program.window_states(), "HIDDEN|MAXIMIZED")
         self.assertTrue(self.in_taskbar())
 
@@ -114,6 +116,52 @@ class TrayTest(DesktopTest):
                 self.minimise()
                 self.take_down()
             self.watched.end()
+
+    def set_desktop(self, number):
+        run("xdotool", "set_desktop", number)
+        self.wait_for_equal(lambda: run("xdotool", "get_desktop").strip(), str(number))
+
+    def is_here(self, window):
+        return run("xdotool", "get_desktop_for_window", window, check=False) == run(
+            "xdotool", "get_desktop")
+
+    @under(*WINDOW_MANAGERS)
+    def test_way_back(self):
+        """One click leads back from a maximised window in the tray, and to the desktop in sight."""
+        self.to_tray = True
+        self.put_up(EmbeddingTray)
+        self.watched = program = self.started(config=options())
+        wait_until(self.tray.items, "the icon")
+        self.size = 700, 400
+        run("xdotool", "windowsize", program.find_window(), *self.size)
+        self.check_back()
+        time.sleep(0.5)
+        self.minimise()
+        run("xdotool", "mousemove", *self.tray.items()[0], "mousedown", 1, "sleep", 0.2,
+            "mousemove", 600, 500, "sleep", 0.2, "mouseup", 1, "sleep", 0.5)
+        self.assertFalse(program.mapped(), "a button that is released elsewhere")
+        self.tray.click()
+        self.check_back()
+        place = program.geometry()
+        for _ in range(2):
+            program.switch_maximised()
+            self.minimise()
+            self.tray.click()
+            self.check_back()
+            time.sleep(0.5)
+            self.assertEqual(program.geometry(), place)
+        run("xdotool", "set_num_desktops", 2)
+        for number, way in ((1, self.tray.click), (0, lambda: self.choose("Show"))):
+            self.set_desktop(number)
+            self.assertFalse(self.is_here(program.find_window()))
+            way()
+            self.check_back()
+            self.assertTrue(self.is_here(program.find_window()))
+        self.set_desktop(1)
+        self.choose("About")
+        box, = wait_until(lambda: program.windows("About Quillmere"), "the about box")
+        wait_until(lambda: self.is_here(box) and front() == box, "it in sight")
+        self.set_desktop(0)
 
     def test_every_way(self):
         for tray in (EmbeddingTray, NotifierTray):

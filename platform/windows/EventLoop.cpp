@@ -2,6 +2,7 @@
 
 #include "platform/windows/EventLoop.h"
 
+#include <chrono>
 #include <deque>
 #include <utility>
 #include <vector>
@@ -131,6 +132,11 @@ void FreeLater(std::unique_ptr<Form> form) {
 }
 
 void DoEvents() {
+  // To ask the system is dear: an event of the last moment meets the next yield.
+  constexpr std::chrono::milliseconds Moment{1};
+  static std::chrono::steady_clock::time_point nextLook;
+  if (Actions().empty() && std::chrono::steady_clock::now() < nextLook) return;
+
   // Timers that take longer than their interval would keep it busy for ever.
   constexpr int MostTimers = 20;
   MSG message;
@@ -140,6 +146,7 @@ void DoEvents() {
     if (message.message == WM_TIMER) ++timers;
     Dispatch(message);
   }
+  nextLook = std::chrono::steady_clock::now() + Moment;
 }
 
 void ListenInForeignLoops() {

@@ -128,13 +128,18 @@ void ReportList::Settle() {
 
 void ReportList::Arrange(const std::vector<std::uint32_t>& order, int top) {
   std::vector<bool> selected(static_cast<std::size_t>(rows_.Shown()), false);
-  for (int row = NextWith(-1, LVNI_SELECTED); row >= 0; row = NextWith(row, LVNI_SELECTED)) {
+  // Wine 8 goes through all rows to find no more selected ones, or to change all.
+  const auto count = static_cast<int>(Send(LVM_GETSELECTEDCOUNT));
+  for (int row = -1, left = count; left > 0; --left) {
+    row = NextWith(row, LVNI_SELECTED);
+    if (row < 0) break;
     selected[static_cast<std::size_t>(row)] = true;
   }
   const int focused = NextWith(-1, LVNI_FOCUSED);
   rows_.Arrange(order);
   shown_ = rows_.Count();
-  SetState(-1, 0, LVIS_SELECTED | LVIS_FOCUSED);
+  if (count > 0) SetState(-1, 0, LVIS_SELECTED);
+  if (focused >= 0) SetState(focused, 0, LVIS_FOCUSED);
   Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(shown_), LVSICF_NOSCROLL);
   // A focused row that was removed hands the focus to the next one.
   int heir = -1;

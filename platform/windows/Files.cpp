@@ -186,28 +186,6 @@ bool MkDir(const std::string& path) {
   return CreateDirectoryW(SystemPath(path).c_str(), nullptr) != 0;
 }
 
-FolderAtHand::FolderAtHand(const std::string&) {}
-FolderAtHand::~FolderAtHand() = default;
-void FolderAtHand::ComesSoon(const std::string&) {}
-void FolderAtHand::ComesNot() {}
-
-InputFile::InputFile(const std::string& path) {
-  const std::wstring name = SystemPath(path);
-  if (!IsWanted(name, vbNormal)) return;
-  const SystemHandle file(CreateFileW(name.c_str(), GENERIC_READ, ShareAll, nullptr, OPEN_EXISTING,
-                                      FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
-  if (!file || GetFileType(file.Get()) != FILE_TYPE_DISK) return;
-  constexpr std::size_t LongestText = 0x7FFFFFFF;
-  std::array<char, 65536> buffer;
-  DWORD got = 0;
-  do {
-    open_ = ReadFile(file.Get(), buffer.data(), static_cast<DWORD>(buffer.size()), &got, nullptr) &&
-            content_.size() + got <= LongestText;
-    if (open_) content_.append(buffer.data(), got);
-  } while (open_ && got > 0);
-  if (!open_) content_ = {};
-}
-
 bool WriteFileWhole(const std::string& path, std::string_view content) {
   std::wstring target = SystemPath(path);
   if (target.empty()) return false;

@@ -7,6 +7,7 @@
 #include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "monitor/Comparison.h"
+#include "platform/Application.h"
 #include "platform/Files.h"
 #include "platform/Forms.h"
 
@@ -23,7 +24,7 @@ class NoReports : public DifferenceReports {
 
 void UseCookieFolder(const std::string& folder) {
   PublicDim = {};
-  PublicDim.CookieDir = folder + '/';
+  PublicDim.CookieDir = Joined({folder, platform::PathSeparator});
 }
 
 void StyleLists(CookieLists& lists) {

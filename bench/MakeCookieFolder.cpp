@@ -1,13 +1,12 @@
 #include "bench/MakeCookieFolder.h"
 
 #include <array>
+#include <chrono>
 #include <cstddef>
-#include <ctime>
-#include <fcntl.h>
+#include <filesystem>
 #include <fstream>
 #include <random>
 #include <string_view>
-#include <sys/stat.h>
 
 namespace {
 
@@ -37,10 +36,12 @@ class Maker {
     return text;
   }
 
-  timespec WriteTime() {
-    constexpr std::time_t From = 1'070'000'000;
+  std::filesystem::file_time_type WriteTime() {
+    constexpr std::chrono::seconds From{1'070'000'000};
     constexpr std::size_t Span = 600'000'000;
-    return {From + static_cast<std::time_t>(Below(Span)), static_cast<long>(Below(1'000'000'000))};
+    const std::chrono::sys_time<std::chrono::nanoseconds> time{
+        From + std::chrono::seconds(Below(Span)) + std::chrono::nanoseconds(Below(1'000'000'000))};
+    return std::chrono::file_clock::from_sys(time);
   }
 
  private:
@@ -79,8 +80,6 @@ void MakeCookieFolder(const std::string& folder, int files) {
   for (int i = 0; i < files; ++i) {
     const std::string path = folder + '/' + make.FileName(i);
     std::ofstream(path, std::ios::binary) << make.Content(i % 4 + 1);
-    const timespec written = make.WriteTime();
-    const timespec times[] = {written, written};
-    utimensat(AT_FDCWD, path.c_str(), times, 0);
+    std::filesystem::last_write_time(path, make.WriteTime());
   }
 }

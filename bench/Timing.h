@@ -3,29 +3,16 @@
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
-#include <sys/resource.h>
 #include <vector>
 
-inline double ProcessorSeconds() {
-  double seconds = 0;
-  for (const int whose : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
-    rusage used;
-    getrusage(whose, &used);
-    for (const timeval& time : {used.ru_utime, used.ru_stime}) {
-      seconds += static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
-    }
-  }
-  return seconds;
-}
+#include "bench/Reference.h"
 
-/// Processor seconds, user and system, that `work` takes in this process and in those that it
-/// starts and waits for. What is measured so is one thread's work on warm caches: on a machine with
-/// nothing else to do these are the seconds that a user waits; on a busy one they still are.
+/// Seconds that `work` takes in this process and in those that it starts and waits for.
 template <typename Work>
 double SecondsOf(Work work) {
-  const double before = ProcessorSeconds();
+  const double before = WorkSeconds();
   work();
-  return ProcessorSeconds() - before;
+  return WorkSeconds() - before;
 }
 
 /// Seconds by the clock, for work that two threads share: what a user waits.

@@ -1,22 +1,15 @@
-#include <array>
-#include <cstdlib>
-#include <fcntl.h>
 #include <filesystem>
 #include <iostream>
-#include <malloc.h>
 #include <memory>
-#include <stdexcept>
 #include <string>
 #include <string_view>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include "bench/CookieWork.h"
 #include "bench/MakeCookieFolder.h"
+#include "bench/Reference.h"
 #include "bench/Timing.h"
 #include "cookies/CookieColumns.h"
 #include "cookies/CookieList.h"
-#include "core/Joined.h"
 #include "core/PublicDim.h"
 #include "monitor/ScanDisk.h"
 #include "platform/Application.h"
@@ -37,18 +30,10 @@ void Print(std::string_view name, const Timing& timing) {
   std::cout << name << '\t' << timing.Measured << '\t' << timing.Reference << std::endl;
 }
 
-double SecondsOfCommand(const std::string& command) {
-  return SecondsOf([&command] {
-    if (std::system(command.c_str()) != 0) throw std::runtime_error(command);
-  });
-}
-
 void MeasureScan(const Request& asked) {
-  const std::string find =
-      "find '" + asked.Folder + R"(' -maxdepth 1 -name '*.txt' -printf '%f\t%s\t%T+\n' >/dev/null)";
   Print("scan", TakeTurns(
                     asked.Rounds, [] { return SecondsOf(TakeFirstSnapshot); },
-                    [&find] { return SecondsOfCommand(find); }));
+                    [&] { return SecondsOf([&] { ListBare(asked.Folder); }); }));
 }
 
 /// Seconds a row.
@@ -73,31 +58,12 @@ void MeasureCompare(const Request& asked) {
   measure("compare, everything changed", Renamed(all), Renamed(few));
 }
 
-/// What reading the files costs at the least.
-void ReadBare() {
-  static std::array<char, 65536> buffer;
-  for (const CookieFileRow& file : PublicDim.KnownRows) {
-    const std::string path = Joined({PublicDim.CookieDir, file.FileName});
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat info;
-    if (fstat(descriptor, &info) != 0 || read(descriptor, buffer.data(), buffer.size()) < 0) {
-      throw std::runtime_error(path);
-    }
-    close(descriptor);
-  }
-}
-
 void MeasureRead(const Request& asked) {
   const auto read = [] {
     ClearCookieRows();
     return ElapsedSecondsOf(ReadCookies);
   };
   Print("read", TakeTurns(asked.Rounds, read, [] { return ElapsedSecondsOf(ReadBare); }));
-}
-
-std::size_t BytesInUse() {
-  const struct mallinfo2 info = mallinfo2();
-  return info.uordblks + info.hblkhd;
 }
 
 void MeasureMemory(CookieLists& lists) {
@@ -134,10 +100,9 @@ void MeasureFill(const Request& asked, platform::ListView& list) {
 
 void MeasureSearch(const Request& asked, CookieLists& lists) {
   const auto measure = [&](int field, const std::string& word) {
-    const std::string grep = "grep -ric '" + word + "' '" + asked.Folder + "' >/dev/null";
+    const auto bare = [&] { return SecondsOf([&] { SearchBare(asked.Folder, word); }); };
     const Timing timing = TakeTurns(
-        asked.Rounds, [&] { return SecondsOf([&] { Search(lists, field, word); }); },
-        [&grep] { return SecondsOfCommand(grep); });
+        asked.Rounds, [&] { return SecondsOf([&] { Search(lists, field, word); }); }, bare);
     Print("search, " + std::to_string(lists.ListVSearch.Count()) + " found", timing);
   };
   constexpr int CookieName = 2;

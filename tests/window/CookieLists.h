@@ -1,9 +1,5 @@
 #pragma once
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QTimer>
-
 #include "cookies/CookieColumns.h"
 #include "platform/Forms.h"
 #include "platform/ListView.h"
@@ -20,23 +16,4 @@ class CookieLists : public platform::Form {
       *this, {.Name = "ListVSearch", .At = {0, 2500, 9000, 2500}}, CookieColumnHeaders()};
   platform::TextBox TextSearch{*this, {.Name = "TextSearch", .At = {0, 5100, 1575, 285}}};
   platform::ListBox ListLog{*this, {.Name = "ListLog", .At = {0, 5500, 9000, 1500}}};
-};
-
-/// While it lives, every message box is answered with Yes.
-class Answers {
- public:
-  Answers() {
-    timer_.callOnTimeout([this] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (box == nullptr) return;
-      ++Asked;
-      box->done(QMessageBox::Yes);
-    });
-    timer_.start(1);
-  }
-
-  int Asked = 0;
-
- private:
-  QTimer timer_;
 };

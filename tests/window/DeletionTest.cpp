@@ -10,6 +10,7 @@
 #include "core/PublicDim.h"
 #include "platform/Forms.h"
 #include "tests/support/CookieFolder.h"
+#include "tests/window/Answers.h"
 #include "tests/window/CookieLists.h"
 
 namespace {

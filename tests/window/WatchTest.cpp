@@ -10,6 +10,7 @@
 #include "core/PublicDim.h"
 #include "monitor/WatchFlags.h"
 #include "tests/support/CookieFolder.h"
+#include "tests/window/Answers.h"
 #include "tests/window/CookieLists.h"
 #include "ui/FormMain.h"
 

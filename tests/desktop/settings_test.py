@@ -4,17 +4,17 @@ import os
 import signal
 from pathlib import Path
 
-from gi.repository import GLib
-
-from harness import ROOT, DesktopTest, main, options, run, running, wait_until
+from harness import (MACHINE, ROOT, DesktopTest, main, only_on, options, run, running, wait_until)
 
 BOXES = {"Do not save log file": "Options", "Minimize to system tray": "Options",
          "Play sound when a new cookie file is added": "Sound",
          "Play sound when a cookie file is removed": "Sound"}
+RUN_KEY = r"HKCU\Software\Microsoft\Windows\CurrentVersion\Run"
+HIDDEN = " /1 " if MACHINE == "linux" else "/1"  # Wine would put a word with blanks into quotes
 # The file and the switch, whether that starts hidden, the options then, the signal or close box.
 STARTS = [
     (options(True, False, False, True), (), False, (True, False, False, True), None),
-    (b"ToTray=0\rSaveLog=-1\rPlaySound1=1\rPlaySound2=0", (" /1 ",), True,
+    (b"ToTray=0\rSaveLog=-1\rPlaySound1=1\rPlaySound2=0", (HIDDEN,), True,
      (True, False, True, False), signal.SIGTERM),
     (b"ToTray=False\r\nToTray=\r\nToTray=nay\r\nSAVELOG=TRUE\r\n", ("/1", "-platform", "no"),
      False, (True, False, True, True), signal.SIGINT),
@@ -65,6 +65,7 @@ class SettingsTest(DesktopTest):
 
     def check_entry(self, program, entry, *switch):
         """The entry is valid, and what a desktop starts from it is this program."""
+        from gi.repository import GLib
         run("desktop-file-validate", entry)
         keys = GLib.KeyFile()
         keys.load_from_file(str(entry), GLib.KeyFileFlags.NONE)
@@ -76,6 +77,7 @@ class SettingsTest(DesktopTest):
         os.kill(pid, signal.SIGTERM)
         wait_until(lambda: not running(*command), "its end")
 
+    @only_on("linux")
     def test_start_with_the_desktop(self):
         program = self.started()
         entry = program.folder.parent / "config/autostart/Quillmere.desktop"
@@ -100,6 +102,28 @@ class SettingsTest(DesktopTest):
         self.check_entry(program, starter)
         run(program.folder / "quillmere-menu", "remove")
         self.assertFalse(starter.exists())
+
+    def check_run_value(self, program):
+        told = program.on_machine("reg", "query", RUN_KEY, "/v", "Quillmere").split("REG_SZ")[1]
+        path = program.shown_path(program.folder / "quillmere.exe")
+        self.assertEqual(told.strip(), f"{path} /1")
+
+    @only_on("windows")
+    def test_start_with_windows(self):
+        program = self.started()
+        program.select_tab("Options")
+        program.tick("Start with windows")
+        self.check_run_value(program)
+        program.end()
+        # A moved program puts the value right at its next start.
+        self.move(program, "blank ß")
+        program.start()
+        self.check_run_value(program)
+        program.end()
+        # The system starts what the value names, hidden.
+        program.kill()
+        program.boot()
+        self.assertFalse(wait_until(program.main_window, "the program").has("showing"))
 
 
 if __name__ == "__main__":

@@ -3,7 +3,7 @@
 import os
 from datetime import datetime
 
-from harness import SAVE_LOG, DesktopTest, cookies, double_click, key, main, run, wait_until
+from harness import MACHINE, SAVE_LOG, DesktopTest, cookies, double_click, key, main, run, wait_until
 
 SAMPLE = (b"uid\na%3Db\nshop.example/\n1536\n2915392512\n29721845\n1823712256\n29680011\n*\n"
           b"lang\nen\nshop.example/cart/\n1024\n0\n30000000\n1823712256\n29680011\n*\n")
@@ -60,7 +60,7 @@ class CookiesTest(DesktopTest):
                         "Cookie file", "Modified", "Size", "Details")]
                     self.assertTrue(all(box.has("read-only") for box in boxes))
                     *above, details = [box.text for box in boxes]
-                    self.assertEqual(above, [str(path), MODIFIED, "136 bytes"])
+                    self.assertEqual(above, [program.shown_path(path), MODIFIED, "136 bytes"])
                     self.assertEqual(details.splitlines(), [
                         "Cookie name: uid", "Value: a%3Db", "Server: shop.example",
                         "Expire: 2005-07-10", "", "Cookie name: lang", "Value: en",
@@ -81,7 +81,10 @@ class CookiesTest(DesktopTest):
         self.shown = program = self.program(config=SAVE_LOG)
         folder, target = program.cookies, program.cookies.with_name("target")
         target.write_bytes(cookies("linked"))
-        (folder / "link.txt").symlink_to(target)
+        if MACHINE == "linux":
+            (folder / "link.txt").symlink_to(target)
+        else:  # Wine 8 knows no links
+            (folder / "link.txt").write_bytes(target.read_bytes())
         (folder / "many.txt").write_bytes(cookies("one", "two", "three"))
         (folder / "fixed.txt").write_bytes(cookies("fixed"))
         (folder / "fixed.txt").chmod(0o444)

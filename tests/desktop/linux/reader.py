@@ -100,6 +100,10 @@ class Program(ProgramWords):
     def command(self):
         return [str(self.folder / "quillmere")]
 
+    def shown_path(self, path):
+        """As the program shows it."""
+        return str(path)
+
     def watching(self):
         """Whether the kernel is asked for news of the cookie folder."""
         self.check_runs()

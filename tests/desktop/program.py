@@ -154,13 +154,13 @@ class ProgramWords:
     # The window, as a reader sees it.
 
     def controls(self, role, name):
-        return [control for control in self.application().everything()
+        application = self.application()
+        return [control for control in (application.everything() if application else ())
                 if control.role == role and control.name == name]
 
     def control(self, role, name):
         """The control of that role and name; the first one where there are several."""
-        return wait_until(lambda: self.application() and self.controls(role, name),
-                          f"{role} '{name}'")[0]
+        return wait_until(lambda: self.controls(role, name), f"{role} '{name}'")[0]
 
     def button(self, caption):
         return self.control("push button", caption)

@@ -105,7 +105,15 @@ std::wstring ClassOf(HWND window) {
   return name;
 }
 
-std::string Described(HWND window) {
+/// What the system itself keeps of it, without asking the program.
+std::wstring KeptTextOf(HWND window) {
+  std::wstring text(Remote::TextRoom, L'\0');
+  text.resize(
+      static_cast<std::size_t>(InternalGetWindowText(window, text.data(), Remote::TextRoom)));
+  return text;
+}
+
+std::string Described(HWND window, const std::wstring& text) {
   if (!IsWindow(window)) return "null";
   GUITHREADINFO focus{};
   focus.cbSize = sizeof focus;
@@ -118,24 +126,24 @@ std::string Described(HWND window) {
       {"id", Number(Pointing(window))},
       {"parent", Number(Pointing(parent))},
       {"class", Quoted(ClassOf(window))},
-      {"text", Quoted(TextOf(window))},
+      {"text", Quoted(text)},
       {"place", PlaceText(place)},
       {"style", Number(style)},
       {"enabled", Number(IsWindowEnabled(window))},
       {"visible", Number(IsWindowVisible(window))},
       {"focused", Number(window == focus.hwndFocus)},
       {"active", Number(window == GetForegroundWindow())}};
-  std::string text;
+  std::string told;
   for (const auto& [name, value] : facts) {
-    text += std::string(text.empty() ? "{\"" : ",\"") + name + "\":" + value;
+    told += std::string(told.empty() ? "{\"" : ",\"") + name + "\":" + value;
   }
-  return text + '}';
+  return told + '}';
 }
 
 using Windows = std::vector<std::string>;
 
 BOOL CALLBACK Note(HWND window, LPARAM windows) {
-  reinterpret_cast<Windows*>(windows)->push_back(Described(window));
+  reinterpret_cast<Windows*>(windows)->push_back(Described(window, KeptTextOf(window)));
   return TRUE;
 }
 
@@ -248,7 +256,7 @@ std::string Answer(std::istringstream& words) {
   words >> number >> message >> w >> l;
   const auto window = reinterpret_cast<HWND>(number);
   if (!IsWindow(window)) return "null";
-  if (request == "window") return Described(window);
+  if (request == "window") return Described(window, TextOf(window));
   if (request == "lines") return Lines(window);
   if (request == "rows") return Rows(window);
   if (request == "cell") return CellPlace(window, message, static_cast<LONG>(w));

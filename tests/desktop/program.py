@@ -14,6 +14,7 @@ from display import (PATIENCE, ROOT, act_until, double_click, end_process, key, 
 
 APP = Path(os.environ.get("QUILLMERE_APP_DIR", ROOT / "build/app"))
 TWIPS_PER_PIXEL = 15
+SHELL_FOLDERS = r"Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders"
 LISTS = {"list", "tree", "table", "tree table", "menu bar", "combo box"}
 
 

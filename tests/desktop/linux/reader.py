@@ -10,7 +10,7 @@ from pathlib import Path
 from types import SimpleNamespace
 
 from display import GONE, PATIENCE, Display, act_until, run, running, wait_until
-from program import ControlWords, ProgramWords
+from program import SHELL_FOLDERS, ControlWords, ProgramWords
 
 with contextlib.suppress(ImportError):  # without it the program can be started and measured
     import gi
@@ -93,6 +93,8 @@ class Program(ProgramWords):
         shutil.copytree(self.desktop.home / "config/pulse", top / "config/pulse")
         self.cookies = top / "data/quillmere/cookies"
         self.cookies.mkdir(parents=True)
+        self.recent, self.trash = top / "data/RecentDocuments", top / "data/Trash"
+        self.home = self.desktop.home
         return {"XDG_DATA_HOME": f"{top}/data", "XDG_CONFIG_HOME": f"{top}/config",
                 "LANG": "en_US.UTF-8",
                 "QT_LINUX_ACCESSIBILITY_ALWAYS_ON": "1" if self.accessible else "0"}
@@ -103,6 +105,16 @@ class Program(ProgramWords):
     def shown_path(self, path):
         """As the program shows it."""
         return str(path)
+
+    def throw_away(self, *paths):
+        """As the desktop's own tool does."""
+        run("env", f"XDG_DATA_HOME={self.trash.parent}", "gio", "trash", *paths)
+
+    def set_shell_folders(self, folder):
+        registry = self.folder.parent / "config/quillmere/registry.ini"
+        registry.parent.mkdir()
+        registry.write_text(f"[{SHELL_FOLDERS}]\nCookies={folder}\nRecent={folder}\n")
+        self.cookies = folder
 
     def watching(self):
         """Whether the kernel is asked for news of the cookie folder."""

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <iomanip>
 #include <iostream>
-#include <map>
+#include <shellapi.h>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -238,6 +238,15 @@ std::string Tabs(HWND strip) {
   return Listed(tabs);
 }
 
+bool ThrowAway(std::string path) {
+  path += '\0';  // the list of paths ends in an empty one
+  SHFILEOPSTRUCTA what{};
+  what.wFunc = FO_DELETE;
+  what.pFrom = path.c_str();
+  what.fFlags = FOF_ALLOWUNDO | FOF_NO_UI;
+  return SHFileOperationA(&what) == 0;
+}
+
 std::string Answer(std::istringstream& words) {
   std::string request;
   std::string text;
@@ -252,6 +261,10 @@ std::string Answer(std::istringstream& words) {
     std::string cookie;
     std::getline(words, cookie);
     return Number(InternetSetCookieA(text.c_str(), nullptr, cookie.c_str()));
+  }
+  if (request == "throw") {
+    std::getline(words >> std::ws, text);
+    return Number(ThrowAway(text));
   }
   words >> number >> message >> w >> l;
   const auto window = reinterpret_cast<HWND>(number);

@@ -8,7 +8,7 @@ import subprocess
 from pathlib import Path
 
 from display import GONE, PATIENCE, ROOT, Display, act_until, end_process, run, wait_until
-from program import ControlWords, ProgramWords
+from program import SHELL_FOLDERS, ControlWords, ProgramWords
 
 BUILD = Path(os.environ.get("QUILLMERE_BUILD_DIR", ROOT / "build/windows"))
 START = ROOT / "scripts/run-windows-program"
@@ -139,6 +139,8 @@ class Program(ProgramWords):
         self.user, = [path for path in (self.machine / "drive_c/users").iterdir()
                       if path.name != "Public"]
         self.cookies = self.user / "AppData/Local/Microsoft/Windows/INetCookies"
+        self.recent = self.user / "AppData/Roaming/Microsoft/Windows/Recent"
+        self.trash, self.home = self.machine / "home/.local/share/Trash", self.user
         self.reader = None
         return {"WINEPREFIX": str(self.machine), "HOME": str(self.machine / "home"),
                 "USER": self.user.name,
@@ -206,6 +208,18 @@ class Program(ProgramWords):
     def select_tab(self, caption):
         tab = self.control("page tab", caption)
         act_until(tab.click, lambda: tab.has("focused"), f"tab '{caption}'")
+
+    def throw_away(self, *paths):
+        """As the system does."""
+        for path in paths:
+            if not self.ask("throw", self.shown_path(path)):
+                raise AssertionError(f"{path} is not thrown away")
+
+    def set_shell_folders(self, folder):
+        for name in ("Cookies", "Recent"):
+            self.on_machine("reg", "add", f"HKCU\\{SHELL_FOLDERS}", "/f", "/v", name, "/d",
+                            self.shown_path(folder))
+        self.cookies = folder
 
     def main_window(self):
         return next((window for window in self.application().children()

@@ -118,12 +118,15 @@ void ReportList::Settle() {
                                       static_cast<std::uint32_t>(Send(LVM_GETTOPINDEX)));
     Arrange(standing, static_cast<int>(top - standing.begin()));
   } else {
-    if (std::exchange(shown_, rows_.Count()) != rows_.Count()) {
-      Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(shown_), LVSICF_NOSCROLL);
-    }
+    TellCount();
     InvalidateRect(Window(), nullptr, FALSE);
   }
   settling_ = false;
+}
+
+void ReportList::TellCount() {
+  if (std::exchange(shown_, rows_.Count()) == rows_.Count()) return;
+  Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(shown_), LVSICF_NOSCROLL);
 }
 
 void ReportList::Arrange(const std::vector<std::uint32_t>& order, int top) {
@@ -137,10 +140,9 @@ void ReportList::Arrange(const std::vector<std::uint32_t>& order, int top) {
   }
   const int focused = NextWith(-1, LVNI_FOCUSED);
   rows_.Arrange(order);
-  shown_ = rows_.Count();
   if (count > 0) SetState(-1, 0, LVIS_SELECTED);
   if (focused >= 0) SetState(focused, 0, LVIS_FOCUSED);
-  Send(LVM_SETITEMCOUNT, static_cast<WPARAM>(shown_), LVSICF_NOSCROLL);
+  TellCount();
   // A focused row that was removed hands the focus to the next one.
   int heir = -1;
   for (std::size_t i = 0; i < order.size(); ++i) {
@@ -156,10 +158,11 @@ void ReportList::Arrange(const std::vector<std::uint32_t>& order, int top) {
 }
 
 void ReportList::ScrollTo(int top) const {
+  const auto now = static_cast<int>(Send(LVM_GETTOPINDEX));
   RECT row{};
   row.left = LVIR_BOUNDS;
-  if (shown_ == 0 || !Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row))) return;
-  const auto now = static_cast<int>(Send(LVM_GETTOPINDEX));
+  if (now == top || shown_ == 0 || !Send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row)))
+    return;
   Send(LVM_SCROLL, 0, static_cast<LPARAM>(top - now) * (row.bottom - row.top));
 }
 
@@ -219,8 +222,10 @@ void ReportList::ShowSortArrow() const {
     HDITEMW item{};
     item.mask = HDI_FORMAT;
     SendMessageW(header, HDM_GETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
+    const int format = item.fmt;
     item.fmt &= ~(HDF_SORTDOWN | HDF_SORTUP);
     if (sorted_ && i == sortKey_) item.fmt |= arrow;
+    if (item.fmt == format) continue;  // the whole list is painted anew for each that is set
     SendMessageW(header, HDM_SETITEMW, static_cast<WPARAM>(i), reinterpret_cast<LPARAM>(&item));
   }
 }

@@ -57,6 +57,7 @@ class ReportList : public NativeWidget {
   void ScaleColumns();
   void SettleLater();
   void Settle();
+  void TellCount();
   void Arrange(const std::vector<std::uint32_t>& order, int top);
   void ScrollTo(int top) const;
   void ShowSortArrow() const;

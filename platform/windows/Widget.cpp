@@ -16,14 +16,19 @@ namespace platform {
 
 namespace {
 
-constexpr UINT_PTR SubclassNumber = 1;
-constexpr const wchar_t* WidgetProperty = L"QuillmereWidget";
 constexpr int TwipsPerInch = 1440;
 constexpr std::uint32_t ThemeBit = 0x80000000;
 
 std::unordered_map<std::uint32_t, Control*>& Handles() {
   static auto& handles = *new std::unordered_map<std::uint32_t, Control*>;
   return handles;
+}
+
+/// Of the program's own, and not a property of the window's: the server is asked for each of those
+/// under Wine, and a list tells its window of every cell.
+std::unordered_map<HWND, NativeWidget*>& Widgets() {
+  static auto& widgets = *new std::unordered_map<HWND, NativeWidget*>;
+  return widgets;
 }
 
 }  // namespace
@@ -52,8 +57,7 @@ COLORREF SystemColour(std::uint32_t colour) {
 
 void NativeWidget::Discard() {
   if (window_ == nullptr) return;
-  RemoveWindowSubclass(window_, Procedure, SubclassNumber);
-  RemovePropW(window_, WidgetProperty);
+  Widgets().erase(window_);
   DestroyWindow(std::exchange(window_, nullptr));
 }
 
@@ -72,14 +76,14 @@ void NativeWidget::Create(const wchar_t* windowClass, DWORD style, DWORD extende
 
 void NativeWidget::Adopt(HWND window) {
   window_ = window;
-  SetPropW(window, WidgetProperty, this);
-  SetWindowSubclass(window, Procedure, SubclassNumber, reinterpret_cast<DWORD_PTR>(this));
+  Widgets().emplace(window, this);
+  SetWindowLongPtrW(window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(Procedure));
   RenewFont();
 }
 
 NativeWidget* WidgetOf(HWND window) {
-  if (window == nullptr) return nullptr;
-  return static_cast<NativeWidget*>(GetPropW(window, WidgetProperty));
+  const auto found = Widgets().find(window);
+  return found == Widgets().end() ? nullptr : found->second;
 }
 
 int NativeWidget::Dpi() const {
@@ -156,14 +160,15 @@ LRESULT NativeWidget::Colour(HDC context) {
 
 // --- Messages ------------------------------------------------------------------------------------
 
-LRESULT CALLBACK NativeWidget::Procedure(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR,
-                                         DWORD_PTR widget) {
-  auto& self = *reinterpret_cast<NativeWidget*>(widget);
-  const ProcedureRuns runs(self.Top());
+LRESULT CALLBACK NativeWidget::Procedure(HWND window, UINT message, WPARAM w, LPARAM l) {
+  const auto ofClass = reinterpret_cast<WNDPROC>(GetClassLongPtrW(window, GCLP_WNDPROC));
+  NativeWidget* const self = WidgetOf(window);
+  if (self == nullptr) return CallWindowProcW(ofClass, window, message, w, l);
+  const ProcedureRuns runs(self->Top());
   LRESULT result = 0;
-  if (message == WM_MOUSEMOVE) self.TellCutText(l);
-  if (self.Reflect(message, w, l, result) || self.OnMessage(message, w, l, result)) return result;
-  return DefSubclassProc(window, message, w, l);
+  if (message == WM_MOUSEMOVE) self->TellCutText(l);
+  if (self->Reflect(message, w, l, result) || self->OnMessage(message, w, l, result)) return result;
+  return CallWindowProcW(ofClass, window, message, w, l);
 }
 
 void NativeWidget::TellCutText(LPARAM pointer) {

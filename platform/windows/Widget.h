@@ -92,9 +92,7 @@ struct NativeWidget {
   bool paintsBack_ = false;
 
  private:
-  friend NativeWidget* WidgetOf(HWND);
-  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l, UINT_PTR,
-                                    DWORD_PTR widget);
+  static LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM w, LPARAM l);
   void TellCutText(LPARAM pointer);
   bool Reflect(UINT message, WPARAM w, LPARAM l, LRESULT& result);
 

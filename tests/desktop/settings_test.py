@@ -123,7 +123,7 @@ class SettingsTest(DesktopTest):
         # The system starts what the value names, hidden.
         program.kill()
         program.boot()
-        self.assertFalse(wait_until(program.main_window, "the program").has("showing"))
+        wait_until(lambda: not program.main_window().has("showing"), "it, hidden")
 
 
 if __name__ == "__main__":

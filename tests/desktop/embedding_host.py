@@ -71,7 +71,7 @@ class EmbeddingTray:
 
     def items(self):
         """Where the icons are: the program's windows of an icon's size in the lower part."""
-        found = re.findall(r'"quillmere" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n',
+        found = re.findall(r'"(?:quillmere|explorer.exe)" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n',
                            self.tree())
         return [(int(left) + 5, int(top) + 5) for left, top in found]
 

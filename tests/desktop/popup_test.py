@@ -4,7 +4,7 @@ import math
 import re
 import time
 
-from harness import (SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, cookies, end_process, front,
+from harness import (MACHINE, SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, cookies, end_process, front,
                      main, run, under, wait_until)
 
 CLIENT = (3435 // TWIPS_PER_PIXEL, 1365 // TWIPS_PER_PIXEL)
@@ -48,7 +48,8 @@ class PopupTest(DesktopTest):
             for state in ("_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR"):
                 self.assertIn(state, program.window_states(window))
         controls = [*program.application().everything()]
-        self.assertIn(("notification", "Quillmere"), announced)
+        if MACHINE == "linux":
+            self.assertIn(("notification", "Quillmere"), announced)
         texts = [each.name for each in controls if each.name.startswith("Cookie file ")]
         views = [each for each in controls if each.name == "View"]
         self.assertEqual({text: view.enabled for text, view in zip(texts, views, strict=True)}, {

@@ -164,6 +164,8 @@ void FormWidget::WindowState(int state) {
                       : state == vbMaximized ? static_cast<UINT>(SW_SHOWMAXIMIZED)
                                              : static_cast<UINT>(SW_SHOWNORMAL);
   SetWindowPlacement(Window(), &placement);
+  // Wine 8 does not heed the flags.
+  if (state != WindowState()) SetWindowPlacement(Window(), &placement);
 }
 
 void FormWidget::Title(const std::wstring& title) {

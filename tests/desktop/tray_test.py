@@ -3,14 +3,25 @@
 import re
 import time
 
-from harness import (WINDOW_MANAGERS, DesktopTest, act_until, double_click, end_process, front, key,
+from harness import (MACHINE, WINDOW_MANAGERS, DesktopTest, act_until, double_click, end_process, front, key,
                      main, options, run, under, viewers, wait_until)
 from embedding_host import EmbeddingTray
 from notifier_host import NotifierTray
 
 
+# Where each stands in the menu, as a part of its height.
+ENTRIES = {"Show": 0.13, "Help": 0.41, "About": 0.59, "Exit": 0.87}
+# Wine knows the older kind alone.
+TRAYS = (EmbeddingTray, NotifierTray) if MACHINE == "linux" else (EmbeddingTray,)
+
+
 class TrayTest(DesktopTest):
     size = 535, 254  # of the window in its normal state, in pixels
+
+    def setUp(self):
+        super().setUp()
+        if MACHINE == "windows":
+            end_process(self.desktop.tray)
 
     def put_up(self, tray):
         self.tray = tray(self.desktop)
@@ -36,20 +47,27 @@ class TrayTest(DesktopTest):
         wait_until(lambda: not self.watched.mapped() and self.in_taskbar() != self.to_tray,
                    "the window to go, and with it its place in the taskbar or not")
 
-    def menu_is_open(self):
-        """It has no name, and is larger than the icon, which has none either."""
-        return any(int(self.watched.window_info(window).get("Width", 0)) > 40
-                   for window in self.watched.windows(""))
+    def menus(self):
+        """An open one has no name, and is larger than the icon, which has none either."""
+        return [window for window in self.watched.windows("")
+                if int(self.watched.window_info(window).get("Width", 0)) > 40]
 
     def open_menu(self):
         # A menu closes with the focus, which a window that is being minimised can take late.
-        act_until(lambda: self.tray.click(3), self.menu_is_open, "the menu")
+        act_until(lambda: self.tray.click(3), self.menus, "the menu")
 
     def choose(self, caption):
         if isinstance(self.tray, NotifierTray):
             return self.tray.choose(caption)
         self.open_menu()
-        return key(*["Down"] * ("Show", "Help", "About", "Exit").index(caption), "Down", "Return")
+        if MACHINE == "windows":  # Wine 8 hears no keys while the window is hidden
+            return self.choose_by_mouse(ENTRIES[caption])
+        return key(*["Down"] * [*ENTRIES].index(caption), "Down", "Return")
+
+    def choose_by_mouse(self, part):
+        menu, = self.menus()
+        left, top, width, height = self.watched.geometry(menu)
+        run("xdotool", "mousemove", left + width // 2, round(top + height * part), "click", 1)
 
     def check_what_stands_over_it(self):
         """The about box and a question are above the window, and go and come with it."""
@@ -82,7 +100,7 @@ class TrayTest(DesktopTest):
         self.open_menu()
         self.desktop.screenshot(f"tray-{type(self.tray).__name__}")
         run("xdotool", "mousemove", 900, 300, "click", 1)
-        wait_until(lambda: not self.menu_is_open(), "the menu to close")
+        wait_until(lambda: not self.menus(), "the menu to close")
         self.choose("About")
         wait_until(lambda: self.watched.windows("About Quillmere"), "the about box")
         self.choose("Help")
@@ -99,7 +117,7 @@ class TrayTest(DesktopTest):
     def test_tray_that_comes_later(self):
         """At logon the program can be there first; and a tray can end and come again."""
         self.to_tray = True
-        for tray in (EmbeddingTray, NotifierTray):
+        for tray in TRAYS:
             self.watched = self.started(switch=("/1",))
             for _ in range(2):
                 self.put_up(tray)
@@ -150,6 +168,10 @@ class TrayTest(DesktopTest):
             self.check_back()
             time.sleep(0.5)
             self.assertEqual(program.geometry(), place)
+        if MACHINE == "linux":
+            self.check_way_to_the_desktop_in_sight(program)
+
+    def check_way_to_the_desktop_in_sight(self, program):
         run("xdotool", "set_num_desktops", 2)
         for number, way in ((1, self.tray.click), (0, lambda: self.choose("Show"))):
             self.set_desktop(number)
@@ -164,7 +186,7 @@ class TrayTest(DesktopTest):
         self.set_desktop(0)
 
     def test_every_way(self):
-        for tray in (EmbeddingTray, NotifierTray):
+        for tray in TRAYS:
             for self.to_tray in (True, False):
                 with self.subTest(tray=tray.__name__, to_tray=self.to_tray):
                     self.put_up(tray)

@@ -108,8 +108,8 @@ class Control(ControlWords):
 class Part(ControlWords):
     """Of a control: no window by itself."""
 
-    def __init__(self, whole, name):
-        self.whole, self.name = whole, name
+    def __init__(self, whole, name, place):
+        self.whole, self.name, self.place = whole, name, lambda: place
 
     def children(self):
         return []
@@ -119,8 +119,8 @@ class PageTab(Part):
     role = "page tab"
 
     def __init__(self, strip, number, name, place):
-        super().__init__(strip, name)
-        self.number, self.place = number, lambda: place
+        super().__init__(strip, name, place)
+        self.number = number
 
     def has(self, state):
         selected = self.whole.send(TCM_GETCURSEL) == self.number
@@ -132,7 +132,7 @@ class Cell(Part):
     role = "table cell"
 
     def __init__(self, table, row, column, name):
-        super().__init__(table, name)
+        super().__init__(table, name, None)
         self.row, self.column = row, column
 
     def place(self):

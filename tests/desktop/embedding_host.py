@@ -70,9 +70,9 @@ class EmbeddingTray:
         return TITLE in self.tree()
 
     def items(self):
-        """Where the icons are: the program's windows of an icon's size in the lower part."""
-        found = re.findall(r'"(?:quillmere|explorer.exe)" .* [123]\dx[123]\d\+.* \+(\d+)\+(9\d\d|1\d{3})\n',
-                           self.tree())
+        """Where the icons are: windows of an icon's size at the top of the one that takes them in."""
+        found = re.findall(r'"(?:quillmere|explorer.exe)" .* [123]\dx[123]\d\+\d+\+0 '
+                           r' \+(\d+)\+(9\d\d|1\d{3})\n', self.tree())
         return [(int(left) + 5, int(top) + 5) for left, top in found]
 
     def point(self):

@@ -41,6 +41,8 @@ class TrayTest(DesktopTest):
         self.wait_for_equal(lambda: program.geometry()[2:], self.size)
         self.assertNotRegex(program.window_states(), "HIDDEN|MAXIMIZED")
         self.assertTrue(self.in_taskbar())
+        if MACHINE == "windows":
+            time.sleep(0.5)  # Wine hears of it from the X server later
 
     def minimise(self):
         run("xdotool", "windowminimize", self.watched.find_window())
@@ -69,8 +71,8 @@ class TrayTest(DesktopTest):
         left, top, width, height = self.watched.geometry(menu)
         run("xdotool", "mousemove", left + width // 2, round(top + height * part), "click", 1)
 
-    def check_what_stands_over_it(self):
-        """The about box and a question are above the window, and go and come with it."""
+    def check_about_box(self):
+        """It is above the window, and goes and comes with it."""
         program = self.watched
         program.button("About").press()
         box, = wait_until(lambda: program.windows("About Quillmere"), "the about box")
@@ -84,6 +86,9 @@ class TrayTest(DesktopTest):
         wait_until(lambda: program.windows("About Quillmere"), "the box to come back")
         program.button("OK").press()
 
+    def check_question(self):
+        """It goes and comes with the window."""
+        program = self.watched
         program.select_tab("Tools")
         program.tick("Clean Cookies")
         program.button("Clean").click()
@@ -103,8 +108,9 @@ class TrayTest(DesktopTest):
         wait_until(lambda: not self.menus(), "the menu to close")
         self.choose("About")
         wait_until(lambda: self.watched.windows("About Quillmere"), "the about box")
-        self.choose("Help")
-        wait_until(lambda: any(each.windows(".*Help") for each in viewers(self.watched)), "help")
+        if MACHINE == "linux":  # Wine shows no help without a browser of its own
+            self.choose("Help")
+            wait_until(lambda: any(each.windows(".*Help") for each in viewers(self.watched)), "help")
         self.assertFalse(self.watched.mapped())
         if isinstance(self.tray, NotifierTray):
             self.assertEqual([caption for _, caption in self.tray.menu()],
@@ -198,7 +204,9 @@ class TrayTest(DesktopTest):
                             leave()
                             way()
                             self.check_back()
-                    self.check_what_stands_over_it()
+                    if MACHINE == "linux":  # Wine 8 does not minimise and restore them together
+                        self.check_about_box()
+                        self.check_question()
                     self.check_menu()
                     self.take_down()
 

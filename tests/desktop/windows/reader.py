@@ -15,6 +15,7 @@ START = ROOT / "scripts/run-windows-program"
 TRAY = Path(__file__).parents[1] / "embedding_host.py"
 READER = BUILD / "tests/desktop/window_reader.exe"
 BM_GETCHECK, BM_CLICK, WM_CLOSE, TCM_GETCURSEL = 0xF0, 0xF5, 0x10, 0x130B
+WS_MINIMIZE = 0x20000000
 BUTTONS = {0: "push button", 1: "push button", 2: "check box", 3: "check box", 7: "panel"}
 ROLES = {"Edit": "text", "Static": "label", "ComboBox": "combo box", "ListBox": "list",
          "SysListView32": "tree", "SysTabControl32": "page tab list", "QuillmereForm": "frame",
@@ -219,6 +220,12 @@ class Program(ProgramWords):
         """As the system counts it, whatever the window manager draws."""
         return (4, 4, 23, 4) if window in (None, self.find_window()) else (3, 3, 22, 3)
 
+    def mapped(self):
+        """To the X server, or to the system, which hears of a change a little later."""
+        window = self.main_window()
+        shown = window and window.facts["visible"] and not window.facts["style"] & WS_MINIMIZE
+        return bool(shown) or super().mapped()
+
     def select_tab(self, caption):
         tab = self.control("page tab", caption)
         act_until(tab.click, lambda: tab.has("focused"), f"tab '{caption}'")
@@ -263,7 +270,8 @@ class Program(ProgramWords):
 
 
 def viewers(program):
-    return []
+    """What shows its help: the system within the program itself."""
+    return [program]
 
 
 def listen(event, heard):

@@ -123,7 +123,8 @@ class SettingsTest(DesktopTest):
         # The system starts what the value names, hidden.
         program.kill()
         program.boot()
-        wait_until(lambda: not program.main_window().has("showing"), "it, hidden")
+        window = wait_until(program.main_window, "the program")
+        wait_until(lambda: not window.has("showing"), "it, hidden")
 
 
 if __name__ == "__main__":

@@ -109,8 +109,8 @@ class Control(ControlWords):
 class Part(ControlWords):
     """Of a control: no window by itself."""
 
-    def __init__(self, whole, name, place):
-        self.whole, self.name, self.place = whole, name, lambda: place
+    def __init__(self, whole, name):
+        self.whole, self.name = whole, name
 
     def children(self):
         return []
@@ -120,8 +120,8 @@ class PageTab(Part):
     role = "page tab"
 
     def __init__(self, strip, number, name, place):
-        super().__init__(strip, name, place)
-        self.number = number
+        super().__init__(strip, name)
+        self.number, self.place = number, lambda: place
 
     def has(self, state):
         selected = self.whole.send(TCM_GETCURSEL) == self.number
@@ -133,7 +133,7 @@ class Cell(Part):
     role = "table cell"
 
     def __init__(self, table, row, column, name):
-        super().__init__(table, name, None)
+        super().__init__(table, name)
         self.row, self.column = row, column
 
     def place(self):

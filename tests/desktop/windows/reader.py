@@ -22,7 +22,7 @@ ROLES = {"Edit": "text", "Static": "label", "ComboBox": "combo box", "ListBox": 
          "#32770": "alert"}
 # What screen readers are told beside the texts of windows, which Wine 8 does not keep: the names
 # of what has no caption, in their order in a window.
-NAMES = {"list": ["Log"], "tree": ["Cookies", "Search results"], "page tab list": ["Pages"]}
+NAMES = {"list": ["Log"], "combo box": ["Cookie Name"], "tree": ["Cookies", "Search results"], "page tab list": ["Pages"]}
 BOXES = {1: ["Search for"], 4: ["Cookie file", "Modified", "Size", "Details"]}
 PLAY = ["Play the sound of an added cookie file", "Play the sound of a removed cookie file"]
 

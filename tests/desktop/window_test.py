@@ -3,7 +3,7 @@
 import math
 
 from harness import (MACHINE, SAVE_LOG, SCREENS, TWIPS_PER_PIXEL, DesktopTest, cookies, front, key, main,
-                     run, viewers, wait_until)
+                     only_on, run, viewers, wait_until)
 
 FILE = "jane@shop.example[1].txt"
 
@@ -142,7 +142,9 @@ class WindowTest(DesktopTest):
         wait_until(lambda: program.geometry()[2] > 1200, "the whole screen's width")
         self.check_pages("maximised")
         program.switch_maximised()
-        for asked, given in (((800, 600), (800, 600)), ((100, 100), MAIN)):
+        # Wine 8 tells the window manager of no smallest size.
+        small = (100, 100) if MACHINE == "linux" else MAIN
+        for asked, given in (((800, 600), (800, 600)), (small, MAIN)):
             run("xdotool", "windowsize", program.find_window(), *asked)
             self.wait_for_equal(lambda: program.geometry()[2:], given)
         self.check_pages("smallest")
@@ -238,6 +240,7 @@ class WindowTest(DesktopTest):
             for text, (_, contrast) in zip(texts, found, strict=True):
                 self.assertGreater(contrast, 0.4, (text.role, text.name))
 
+    @only_on("linux")
     def test_looks(self):
         """Each window in every look, opened, gone round and closed without the mouse."""
         usual = {}
@@ -269,6 +272,7 @@ class WindowTest(DesktopTest):
                         self.wait_for_focus(after)
                 self.shown.end()
 
+    @only_on("linux")
     def test_keys(self):
         """What keys do beside Tab and Enter, and what a screen reader is told beside the names."""
         program = self.begin().start()

@@ -22,7 +22,8 @@ ROLES = {"Edit": "text", "Static": "label", "ComboBox": "combo box", "ListBox": 
          "#32770": "alert"}
 # What screen readers are told beside the texts of windows, which Wine 8 does not keep: the names
 # of what has no caption, in their order in a window.
-NAMES = {"list": ["Log"], "combo box": ["Cookie Name"], "tree": ["Cookies", "Search results"], "page tab list": ["Pages"]}
+NAMES = {"list": ["Log"], "combo box": ["Cookie Name"], "page tab list": ["Pages"],
+         "tree": ["Cookies", "Search results"]}
 BOXES = {1: ["Search for"], 4: ["Cookie file", "Modified", "Size", "Details"]}
 PLAY = ["Play the sound of an added cookie file", "Play the sound of a removed cookie file"]
 
@@ -43,7 +44,7 @@ class Desktop(Display):
     def __init__(self):
         super().__init__()
         self.screens = "windows-"
-        # Under Wine 8 a new window takes the keyboard when openbox offers it: popups are offered none.
+        # Under Wine 8 a new window takes the keyboard where it is offered: popups are offered none.
         rules = Path("/etc/xdg/openbox/rc.xml").read_text()
         (self.home / "config/openbox").mkdir()
         (self.home / "config/openbox/rc.xml").write_text(rules.replace("</applications>", POPUPS))

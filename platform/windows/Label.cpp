@@ -1,5 +1,7 @@
 #include "platform/windows/SystemWindows.h"
 
+#include <algorithm>
+
 #include "platform/windows/FormWidget.h"
 #include "platform/windows/ListText.h"
 #include "platform/windows/Resources.h"
@@ -22,18 +24,14 @@ class LabelWidget : public NativeWidget {
   void SetCaption(std::string_view text) {
     text_ = DisplayLines(text);
     SetWindowTextW(Window(), text_.c_str());
+    Move(At());
     InvalidateRect(Window(), nullptr, TRUE);
   }
 
   std::string Text() const { return Narrow(text_); }
 
   void FitToCaption() {
-    const HDC context = GetDC(Window());
-    const HGDIOBJ before = SelectObject(context, Font());
-    RECT area{};
-    DrawTextW(context, text_.c_str(), -1, &area, Drawing | DT_CALCRECT);
-    SelectObject(context, before);
-    ReleaseDC(Window(), context);
+    const RECT area = CaptionArea();
     Move({At().Left, At().Top, ToTwips(area.right), ToTwips(area.bottom)});
   }
 
@@ -54,6 +52,9 @@ class LabelWidget : public NativeWidget {
       case WM_PAINT:
         Paint();
         return true;
+      case WM_WINDOWPOSCHANGING:
+        LeaveRoom(*reinterpret_cast<WINDOWPOS*>(l));
+        return false;
       case WM_SETFOCUS:
       case WM_KILLFOCUS:
         InvalidateRect(Window(), nullptr, TRUE);
@@ -71,6 +72,22 @@ class LabelWidget : public NativeWidget {
   }
 
  private:
+  RECT CaptionArea() const {
+    const HDC context = GetDC(Window());
+    const HGDIOBJ before = SelectObject(context, Font());
+    RECT area{};
+    DrawTextW(context, text_.c_str(), -1, &area, Drawing | DT_CALCRECT);
+    SelectObject(context, before);
+    ReleaseDC(Window(), context);
+    return area;
+  }
+
+  /// At a larger scale a font can be wider than the place of its text.
+  void LeaveRoom(WINDOWPOS& position) const {
+    if ((position.flags & SWP_NOSIZE) != 0 || Drawing != DT_NOPREFIX) return;
+    position.cx = std::max<int>(position.cx, CaptionArea().right);
+  }
+
   void Paint() {
     PAINTSTRUCT paint;
     const HDC context = BeginPaint(Window(), &paint);

@@ -149,6 +149,21 @@ class WindowTest(DesktopTest):
             self.wait_for_equal(lambda: program.geometry()[2:], given)
         self.check_pages("smallest")
 
+    @only_on("windows")
+    def test_large_scale(self):
+        """Everything grows alike, and no label is cut."""
+        program = self.begin()
+        program.set_scale(144)
+        program.start().activate()
+        self.check_size(MAIN, 1.5)
+        for tab in TABS:
+            program.select_tab(tab)
+            self.desktop.screenshot(f"144-{tab.lower()}")
+            ends = [(left + width - 1, top, 1, height) for each in self.active().in_sight()
+                    if each.role == "label" for left, top, width, height in [each.place()]]
+            for _, contrast in greys(f"windows-144-{tab.lower()}", ends, 1):
+                self.assertLess(contrast, 0.1)
+
     def select_tab(self, tab):
         """By the Tab and the arrow keys."""
         self.go_to("page tab list")

@@ -258,6 +258,11 @@ class Program(ProgramWords):
         return subprocess.run(["wine", *command], env=self.env, check=True, capture_output=True,
                               timeout=60 * PATIENCE).stdout.decode("cp437")
 
+    def set_scale(self, dpi):
+        self.on_machine("reg", "add", r"HKCU\Control Panel\Desktop", "/f", "/v", "LogPixels",
+                        "/t", "REG_DWORD", "/d", str(dpi))
+        run("env", f"WINEPREFIX={self.machine}", "wineserver", "-w")  # which then reads it anew
+
     def boot(self):
         """A user's logon."""
         self.process = self.desktop.start("wine", "wineboot", env=self.env)

@@ -15,6 +15,8 @@ set(CMAKE_FIND_ROOT_PATH_MODE_LIBRARY ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_INCLUDE ONLY)
 set(CMAKE_FIND_ROOT_PATH_MODE_PACKAGE ONLY)
 
-# What CTest starts such programs with.
+# What CTest starts such programs with, and those whose windows are on no display.
 set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_SOURCE_DIR}/scripts/run-windows-program
   ${CMAKE_BINARY_DIR}/wine)
+set(QUILLMERE_UNSEEN_EMULATOR ${CMAKE_SOURCE_DIR}/scripts/run-windows-program --unseen
+  ${CMAKE_BINARY_DIR}/wine-unseen)

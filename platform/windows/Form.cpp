@@ -67,6 +67,7 @@ void Form::Unload() {
   if (std::exchange(state_->Unloading, true)) return;
   Form_Unload();
   Hide();
+  WindowOf(*this).ForgetKeyboard();
   state_->Unloading = false;
   state_->Loaded = false;
   if (!state_->KeptByFramework) return;

@@ -279,6 +279,11 @@ void FormWidget::KeyboardReturns(NativeWidget& widget) {
   if (hiddenWithKeyboard == &widget) SetFocus(widget.Window());
 }
 
+void FormWidget::ForgetKeyboard() {
+  if (Window() != nullptr && IsChild(Window(), GetFocus())) SetFocus(nullptr);
+  lastKeyboard_ = nullptr;
+}
+
 void FormWidget::KeepKeyboard(bool active) {
   if (!active) {
     const HWND focus = GetFocus();

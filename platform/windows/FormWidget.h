@@ -57,6 +57,8 @@ class FormWidget : public NativeWidget {
   /// A widget is about to be hidden or disabled: the keyboard must not stay in it.
   void KeyboardLeaves(NativeWidget& widget);
   void KeyboardReturns(NativeWidget& widget);
+  /// Shown again, it starts with the keyboard at its first control.
+  void ForgetKeyboard();
   /// What Esc presses.
   NativeWidget* CancelButton = nullptr;
 

@@ -4,7 +4,6 @@
 #include <vector>
 
 #include "platform/windows/Clipboard.h"
-#include "platform/windows/EventLoop.h"
 #include "platform/windows/ListText.h"
 #include "platform/windows/Widget.h"
 
@@ -28,7 +27,7 @@ class ListBoxWidget : public NativeWidget {
     text_ += line;
     if (settleScheduled_) return;
     settleScheduled_ = true;
-    Later([this] { Settle(); });
+    DoLater([this] { Settle(); });
   }
 
   int Count() const { return static_cast<int>(ends_.size()); }

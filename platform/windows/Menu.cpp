@@ -1,36 +1,25 @@
 #include "platform/windows/SystemWindows.h"
 
-#include <memory>
-#include <vector>
+#include <string_view>
 
 #include "platform/windows/FormWidget.h"
 #include "platform/windows/MenuPlace.h"
+#include "platform/windows/MenuWidget.h"
 
 namespace platform {
 
-namespace {
-
-struct MenuWidget : NativeWidget {
-  explicit MenuWidget(const std::vector<Menu::Entry>& entries)
-      : NativeWidget(nullptr), Entries(entries), Popup(CreatePopupMenu()) {
-    UINT_PTR number = 0;
-    for (const Menu::Entry& entry : entries) {
-      ++number;
-      if (std::string_view(entry.Caption) == "-") {
-        AppendMenuW(Popup, MF_SEPARATOR, number, nullptr);
-      } else {
-        AppendMenuW(Popup, MF_STRING, number, Wide(entry.Caption).c_str());
-      }
+MenuWidget::MenuWidget(const std::vector<Menu::Entry>& entries)
+    : NativeWidget(nullptr), Entries(entries), Popup(CreatePopupMenu()) {
+  UINT_PTR number = 0;
+  for (const Menu::Entry& entry : entries) {
+    ++number;
+    if (std::string_view(entry.Caption) == "-") {
+      AppendMenuW(Popup, MF_SEPARATOR, number, nullptr);
+    } else {
+      AppendMenuW(Popup, MF_STRING, number, Wide(entry.Caption).c_str());
     }
   }
-  ~MenuWidget() override { DestroyMenu(Popup); }
-
-  const std::vector<Menu::Entry> Entries;  // numbered from 1 in the system's menu
-  const HMENU Popup;
-  bool IsOpen = false;
-};
-
-}  // namespace
+}
 
 Menu::Menu(Container&, const char*, const std::vector<Entry>& entries)
     : native_(new MenuWidget(entries)) {}

@@ -7,7 +7,6 @@
 
 #include "platform/Regional.h"
 #include "platform/windows/Clipboard.h"
-#include "platform/windows/EventLoop.h"
 #include "platform/windows/ListText.h"
 #include "platform/windows/MenuPlace.h"
 
@@ -106,7 +105,7 @@ void ReportList::Write(int row, int cell, const SharedText& text) {
 
 void ReportList::SettleLater() {
   if (std::exchange(settleScheduled_, true)) return;
-  Later([this] { Settle(); });
+  DoLater([this] { Settle(); });
 }
 
 void ReportList::Settle() {

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "platform/Shell.h"
+#include "platform/windows/EventLoop.h"
 #include "platform/windows/Fonts.h"
 #include "platform/windows/FormWidget.h"
 #include "platform/windows/ToolTips.h"
@@ -169,6 +170,12 @@ LRESULT CALLBACK NativeWidget::Procedure(HWND window, UINT message, WPARAM w, LP
   if (message == WM_MOUSEMOVE) self->TellCutText(l);
   if (self->Reflect(message, w, l, result) || self->OnMessage(message, w, l, result)) return result;
   return CallWindowProcW(ofClass, window, message, w, l);
+}
+
+void NativeWidget::DoLater(std::function<void()> action) const {
+  Later([lives = std::weak_ptr(lives_), action = std::move(action)] {
+    if (!lives.expired()) action();
+  });
 }
 
 void NativeWidget::TellCutText(LPARAM pointer) {

@@ -3,6 +3,7 @@
 #include "platform/windows/SystemWindows.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -88,6 +89,9 @@ struct NativeWidget {
   HBRUSH Brush();
   LRESULT Colour(HDC context);
 
+  /// Does it before the next event, unless the widget is gone by then.
+  void DoLater(std::function<void()> action) const;
+
   /// Whether the widget paints a background of its own for what lies on it.
   bool paintsBack_ = false;
 
@@ -97,6 +101,7 @@ struct NativeWidget {
   bool Reflect(UINT message, WPARAM w, LPARAM l, LRESULT& result);
 
   NativeWidget* parent_;
+  std::shared_ptr<bool> lives_ = std::make_shared<bool>(true);
   std::wstring cutText_;  ///< What the tooltip shows.
   HWND window_ = nullptr;
   Place at_;

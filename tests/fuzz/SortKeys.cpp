@@ -1,13 +1,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include <QApplication>
-
 #include "cookies/CookieColumns.h"
 #include "cookies/modSortListView.h"
 #include "platform/Forms.h"
 #include "platform/Regional.h"
 #include "tests/fuzz/Fuzz.h"
+#include "tests/support/Application.h"
 
 // Each line of the input is the text of a cell of the size column.
 
@@ -66,8 +65,8 @@ extern "C" const char* __asan_default_options() {
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   static const Sandbox sandbox;
-  static int argc = 0;
-  [[maybe_unused]] static auto& application = *new QApplication(argc, nullptr);
+  static const auto& application = *new machine::Application;
+  static_cast<void>(application);
   static auto& form = *new platform::Form(
       {.Name = "Lists", .Caption = "", .ClientWidth = 9000, .ClientHeight = 6000});
   static auto& list = *new platform::ListView(form, {}, CookieColumnHeaders());

@@ -1,14 +1,16 @@
 #include "tests/model/Model.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <sstream>
-#include <sys/stat.h>
+
+#include "tests/support/Machine.h"
 
 namespace model {
 namespace {
@@ -19,12 +21,24 @@ void ReplaceAll(std::string& text, const std::string& what, const std::string& b
   }
 }
 
-std::string Date(std::time_t seconds, const char* form) {
-  std::tm fields{};
-  gmtime_r(&seconds, &fields);
+/// Of any year that a file can have, as the machine's own library does not promise.
+std::string Date(std::time_t seconds) {
+  const auto day = std::chrono::floor<std::chrono::days>(
+      std::chrono::sys_seconds(std::chrono::seconds(seconds)));
+  const std::chrono::year_month_day date(day);
   std::array<char, 40> text{};
-  std::strftime(text.data(), text.size(), form, &fields);
+  std::snprintf(text.data(), text.size(), "%d-%02u-%02u", static_cast<int>(date.year()),
+                static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()));
   return text.data();
+}
+
+std::string DateAndTime(std::time_t seconds) {
+  constexpr std::time_t Day = 86'400;
+  const auto time = static_cast<int>(((seconds % Day) + Day) % Day);
+  std::array<char, 40> text{};
+  std::snprintf(text.data(), text.size(), " %02d:%02d:%02d", time / 3600, time / 60 % 60,
+                time % 60);
+  return Date(seconds) + text.data();
 }
 
 std::string Grouped(std::string digits) {
@@ -38,13 +52,12 @@ std::string Expiry(const std::string& highWord) {
   constexpr double SecondsAStep = 429.4967296;
   const double seconds = number * SecondsAStep - 11'644'473'600;
   constexpr double Year10000 = 253'402'300'800;
-  return number < 0 || seconds >= Year10000
-             ? "-"
-             : Date(static_cast<std::time_t>(std::floor(seconds)), "%Y-%m-%d");
+  return number < 0 || seconds >= Year10000 ? "-"
+                                            : Date(static_cast<std::time_t>(std::floor(seconds)));
 }
 
 std::vector<Row> RowsOf(const std::string& folder, const File& file) {
-  std::ifstream stream(folder + file[0], std::ios::binary);
+  std::ifstream stream(machine::NativePath(folder + file[0]), std::ios::binary);
   std::string text{std::istreambuf_iterator<char>(stream), {}};
   std::istringstream split(text.substr(0, text.find('\r')));
   std::vector<std::string> lines;
@@ -59,13 +72,10 @@ std::vector<Row> RowsOf(const std::string& folder, const File& file) {
   return rows;
 }
 
-/// With all that a name of the walk has of what cannot be shown.
-std::string OneLine(std::string name) {
-  ReplaceAll(name, "\n", "␊");
-  ReplaceAll(name, "\t", "␉");
-  ReplaceAll(name, "\x7F", "␡");
-  ReplaceAll(name, "\u2028", "␤");
-  ReplaceAll(name, "\xFF\xC3", "\uFFFD\uFFFD");
+std::string OneLine(const std::string& name) {
+  for (const auto& [odd, shown] : machine::OddNames()) {
+    if (name == odd) return shown;
+  }
   return name;
 }
 
@@ -97,22 +107,18 @@ std::string Meant(const std::string& name, const std::set<std::string>& entries)
 Files FilesIn(const std::string& folder) {
   Files files;
   std::error_code missing;
-  for (const auto& entry : std::filesystem::directory_iterator(folder, missing)) {
-    const std::string name = entry.path().filename();
-    struct stat info;
-    if (!Folded(name).ends_with(".txt")) continue;
-    if (stat(entry.path().c_str(), &info) != 0) lstat(entry.path().c_str(), &info);
-    if (S_ISDIR(info.st_mode)) continue;
-    files.push_back({name, Grouped(std::to_string(info.st_size)),
-                     Date(info.st_mtim.tv_sec, "%Y-%m-%d %H:%M:%S")});
+  for (const auto& entry :
+       std::filesystem::directory_iterator(machine::NativePath(folder), missing)) {
+    const std::string name = machine::PathText(entry.path().filename());
+    const machine::Facts facts = machine::FactsOf(folder + name);
+    if (!Folded(name).ends_with(".txt") || facts.LeadsToFolder) continue;
+    files.push_back({name, Grouped(std::to_string(facts.Size)), DateAndTime(facts.Modified)});
   }
   return files;
 }
 
 bool IsReadable(const std::string& folder, const std::string& name) {
-  struct stat info;
-  return !name.starts_with('.') && stat((folder + name).c_str(), &info) == 0 &&
-         S_ISREG(info.st_mode);
+  return machine::FactsOf(folder + name).IsReadable;
 }
 
 // --- A list --------------------------------------------------------------------------------------
@@ -159,15 +165,21 @@ void Program::EndFirstScan() {
   FirstScan = false;
   Known = FilesIn(Folder);
   if (!Watching) return;
-  Notification = std::filesystem::exists(Folder) ? Handle::Live : Handle::Lost;
+  Notification = IsThere() ? Handle::Live : Handle::Lost;
   Changed = Gone = false;
+}
+
+bool Program::IsThere() const { return machine::FactsOf(Folder).Exists; }
+
+bool Program::SignalComes() const {
+  if (Notification == Handle::Lost) return IsThere();
+  return Notification == Handle::Live && (Changed || Gone);
 }
 
 void Program::Wait() {
   Pending = Pending || Signalled;
-  Signalled = Notification == Handle::Lost ? std::filesystem::exists(Folder)
-                                           : Notification == Handle::Live && (Changed || Gone);
-  if (Signalled) Notification = std::filesystem::exists(Folder) ? Handle::Live : Handle::Lost;
+  Signalled = SignalComes();
+  if (Signalled) Notification = IsThere() ? Handle::Live : Handle::Lost;
   Changed = Gone = false;
 }
 

@@ -67,8 +67,11 @@ struct Program {
 
   void BeginWatch();
   void EndFirstScan();
+  /// Whether the wait that follows must end by a signal.
+  bool SignalComes() const;
   /// Everything from one yield of the wait loop to the next.
   void Wait();
+  bool IsThere() const;
   void Compare();
   void Rebuild();
   void Find(const std::string& text, int field);

@@ -2,8 +2,8 @@
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 
+#include "core/ModRegistry.h"
 #include "core/PublicDim.h"
 #include "monitor/WatchFlags.h"
 #include "tests/support/TemporaryFolder.h"
@@ -15,14 +15,22 @@ inline std::string Record(const std::string& name, const std::string& value,
          "\n1823712256\n29680011\n*\n";
 }
 
+/// Has the user's cookies lie in a folder.
+inline void KeepCookiesIn(const std::string& folder) {
+  const std::string key =
+      R"(Software\Microsoft\Windows\CurrentVersion\Explorer\User Shell Folders)";
+  CreateRegKey(platform::HKEY_CURRENT_USER, key);
+  WriteRegValue(platform::HKEY_CURRENT_USER, key, "Cookies", platform::REG_SZ, folder);
+}
+
 /// A real cookie folder, and shared state that is as at the program's start but for it.
 class CookieFolder : public TemporaryFolder {
  public:
-  CookieFolder() {
+  explicit CookieFolder(
+      const std::filesystem::path& parent = std::filesystem::temp_directory_path())
+      : TemporaryFolder(parent) {
     PublicDim = {};
     WatchFlags = {};
-    PublicDim.CookieDir = TemporaryFolder::Path();
+    PublicDim.CookieDir = Path();
   }
-
-  std::filesystem::path Path(std::string_view name) const { return TemporaryFolder::Path(name); }
 };

@@ -28,6 +28,11 @@ class TemporaryFolder {
     return path;
   }
 
+  /// The same as the standard library takes it.
+  std::filesystem::path Native(std::string_view name) const {
+    return machine::NativePath(Path(name));
+  }
+
   /// Writes a file, in folders that are made where missing.
   std::string Write(std::string_view name, std::string_view content = "text") const {
     const std::filesystem::path path = Native(name);
@@ -54,10 +59,6 @@ class TemporaryFolder {
   }
 
  private:
-  std::filesystem::path Native(std::string_view name) const {
-    return machine::NativePath(Path(name));
-  }
-
   std::string folder_;
 };
 

@@ -1,10 +1,12 @@
 #include <chrono>
 #include <string>
+#include <thread>
 
 #include <gtest/gtest.h>
 
 #include "platform/ChangeNotification.h"
 #include "platform/Forms.h"
+#include "tests/support/Application.h"
 #include "tests/support/TemporaryFolder.h"
 
 using namespace platform;
@@ -24,7 +26,7 @@ class ChangeNotification : public testing::Test {
 
   /// Whether a wait is signalled now; re-arms.
   bool Changed() const {
-    const bool changed = WaitForSingleObject(handle_, 0) == WAIT_OBJECT_0;
+    const bool changed = WaitForSingleObject(handle_, 1) == WAIT_OBJECT_0;
     FindNextChangeNotification(handle_);
     return changed;
   }
@@ -34,28 +36,38 @@ class ChangeNotification : public testing::Test {
   const HANDLE handle_ = Open(Watched(""));
 };
 
+struct OneTick {
+  explicit OneTick(int milliseconds) : Clock(milliseconds, true) {
+    Clock.Tick = [this] {
+      Came = true;
+      Clock.Enabled(false);
+    };
+  }
+  Timer Clock;
+  bool Came = false;
+};
+
 }  // namespace
 
 TEST_F(ChangeNotification, AWaitEndsForWindowEventsAndHandsOutNone) {
-  bool ticked = false;
-  machine::TickOnce(0, ticked);
+  static const machine::Application application;
   DoEvents();
   const auto start = Clock::now();
-  for (const auto& [handle, delay] : {std::pair(handle_, 0),
+  for (const auto& [handle, delay] : {std::pair(handle_, 1),
                                       {handle_, 20},
-                                      {INVALID_HANDLE_VALUE, 0},
+                                      {INVALID_HANDLE_VALUE, 1},
                                       {INVALID_HANDLE_VALUE, 20}}) {
-    ticked = false;
-    machine::TickOnce(delay, ticked);
-    for (int turn = 0; !ticked && turn < 5; ++turn) {
+    OneTick tick(delay);
+    for (int turn = 0; !tick.Came && turn < 5; ++turn) {
       EXPECT_EQ(WaitForSingleObject(handle, 5000), WAIT_TIMEOUT);
-      EXPECT_FALSE(ticked);
+      EXPECT_FALSE(tick.Came);
       DoEvents();
     }
-    EXPECT_TRUE(ticked) << delay;
+    EXPECT_TRUE(tick.Came) << delay;
   }
   EXPECT_LT(Clock::now() - start, std::chrono::seconds(2));
-  machine::TickOnce(0, ticked);
+  OneTick tick(1);
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
   folder_.Write("watched/new.txt");
   EXPECT_EQ(WaitForSingleObject(handle_, 50), WAIT_OBJECT_0) << "a change comes before events";
   folder_.Write("watched/newer.txt");

@@ -45,7 +45,7 @@ TEST(Files, KillTakesWhatIsNamedAndNothingElse) {
     for (const char* file : {"a.txt", "star*.txt", "starred.txt", ".hidden.txt", "locked.txt"}) {
       folder.Write(file);
     }
-    machine::MakeReadOnly(folder.Path("locked.txt"));
+    machine::ReadOnly(folder.Path("locked.txt"), true);
     machine::Hide(folder.Path(".hidden.txt"));
     Names left = folder.Entries();
     const bool takesOne = gone.size() == 1 && left.contains(*gone.begin());

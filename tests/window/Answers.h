@@ -1,24 +1,24 @@
 #pragma once
 
-#include <QApplication>
-#include <QMessageBox>
-#include <QTimer>
+#include <optional>
 
-/// While it lives, every message box is answered with Yes.
+#include "platform/Forms.h"
+#include "tests/support/Application.h"
+
+/// While it lives, every question is answered with Yes, and what only tells is closed.
 class Answers {
  public:
   Answers() {
-    timer_.callOnTimeout([this] {
-      auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-      if (box == nullptr) return;
+    timer_.Tick = [this] {
+      const std::optional<int> box = machine::OpenBox();
+      if (!box) return;
       ++Asked;
-      box->done(QMessageBox::Yes);
-    });
-    timer_.start(1);
+      machine::PressInBox(box == platform::MB_OK ? platform::IDOK : platform::IDYES);
+    };
   }
 
   int Asked = 0;
 
  private:
-  QTimer timer_;
+  platform::Timer timer_{1, true};
 };

@@ -3,32 +3,23 @@
 #include <utility>
 #include <vector>
 
-#include <QApplication>
-#include <QClipboard>
-#include <QHeaderView>
-#include <QHelpEvent>
-#include <QListView>
-#include <QScrollBar>
-#include <QTest>
-#include <QToolTip>
-#include <QTreeView>
 #include <gtest/gtest.h>
 
 #include "cookies/modSortListView.h"
-#include "platform/linux/Widgets.h"
+#include "tests/support/Application.h"
 #include "tests/window/CookieLists.h"
+#include "tests/window/Hands.h"
 
 namespace {
 
 using Cells = std::vector<std::string>;
+using hands::Copied;
+using platform::vbCtrlMask;
+using platform::vbShiftMask;
 
 class Lists : public testing::Test {
  protected:
-  Lists() {
-    window_.Show();
-    Widget(window_)->activateWindow();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(Widget(window_)));
-  }
+  Lists() { window_.Show(); }
 
   void Fill(const Cells& names) {
     for (const std::string& name : names) list_.Add(name);
@@ -36,8 +27,10 @@ class Lists : public testing::Test {
   }
   void AddLines(int count) {
     for (int i = 0; i < count; ++i) log_.AddItem("line\n" + std::to_string(i));
-    platform::DoEvents();
-    QTest::qWait(1);  // The view lays its lines out a moment later.
+    bool settled = false;  // A view may lay its lines out a moment later.
+    platform::Timer moment(20, true);
+    moment.Tick = [&] { settled = true; };
+    machine::WaitFor([&] { return settled; });
   }
 
   Cells AllNames(bool selectedOnly = false) {
@@ -49,17 +42,9 @@ class Lists : public testing::Test {
   }
   Cells SelectedNames() { return AllNames(true); }
 
-  QPoint RowPoint(int row) { return view_->visualRect(view_->model()->index(row, 0)).center(); }
-  static std::string Copied(QWidget* view) {
-    QTest::keyClick(view, Qt::Key_C, Qt::ControlModifier);
-    return QApplication::clipboard()->text().toStdString();
-  }
-
   CookieLists window_;
   platform::ListView& list_ = window_.ListVCookie;
   platform::ListBox& log_ = window_.ListLog;
-  QTreeView* view_ = static_cast<QTreeView*>(platform::Widget(window_.ListVCookie));
-  QListView* logView_ = static_cast<QListView*>(platform::Widget(window_.ListLog));
 };
 
 }  // namespace
@@ -78,48 +63,38 @@ TEST_F(Lists, PositionsAndSelectionHoldBeforeAndAfterTheViewLearnsOfAChange) {
   list_.Add("h").Selected(true);
   list_.Item(2).Selected(false);
   platform::DoEvents();
-  ASSERT_EQ(view_->model()->rowCount(), 5);
-  for (int row = 0; row < 5; ++row) {
-    const QModelIndex index = view_->model()->index(row, 0);
-    EXPECT_EQ(index.data(), QStringList({"B", "c", "f", "g", "h"})[row]);
-    EXPECT_EQ(view_->selectionModel()->isSelected(index), row == 2 || row == 4);
-  }
+  EXPECT_EQ(Copied(list_), "f\t\t\t\t\t\t\nh\t\t\t\t\t\t\n");
 }
 
 TEST_F(Lists, WhatComesAndGoesLeavesWhatIsInSightInPlace) {
   Fill(Cells(500));
-  view_->verticalScrollBar()->setValue(200);
+  hands::TopRow(list_, 200);
   for (const int position : {400, 150, 20}) list_.Remove(position);
   platform::DoEvents();
-  EXPECT_EQ(view_->verticalScrollBar()->value(), 198);
+  EXPECT_EQ(hands::TopRow(list_), 198);
   list_.Item(5).Selected(true);
   list_.Clear();
   Fill(Cells(500));
   EXPECT_FALSE(list_.SelectedItem()) << "a refill starts unselected at the top";
-  EXPECT_EQ(view_->verticalScrollBar()->value(), 0);
+  EXPECT_EQ(hands::TopRow(list_), 0);
 
   AddLines(200);
-  const QModelIndex current = logView_->model()->index(60, 0);
-  logView_->setCurrentIndex(current);
-  logView_->verticalScrollBar()->setValue(50);
+  hands::SelectLines(log_, {60});
+  hands::TopRow(log_, 50);
   AddLines(10'000);
-  EXPECT_EQ(logView_->verticalScrollBar()->value(), 50);
-  EXPECT_EQ(logView_->selectionModel()->selectedIndexes(), QModelIndexList({current}));
+  EXPECT_EQ(hands::TopRow(log_), 50);
+  EXPECT_EQ(hands::SelectedLines(log_), std::vector{60});
 }
 
 TEST_F(Lists, AHeaderClickNamesTheColumnWhereverItStands) {
   Fill({"b", "a"});
   std::string clicked;
   list_.ColumnClick = [&](int index) { clicked += std::to_string(index); };
-  QHeaderView* header = view_->header();
-  header->moveSection(0, 2);
-  for (const int column : {1, 0, 2}) {
-    const QPoint at(header->sectionViewportPosition(column) + 20, 5);
-    QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, at);
-  }
-  for (const Qt::MouseButton button : {Qt::RightButton, Qt::LeftButton}) {
-    QTest::mouseClick(header->viewport(), button, {}, QPoint(20, 5));
-    QTest::mouseDClick(header->viewport(), button, {}, QPoint(20, 5));
+  hands::MoveFirstColumn(list_, 2);
+  for (const int column : {1, 0, 2}) hands::ClickHeader(list_, column);
+  for (const int button : {2, 1}) {
+    hands::ClickHeader(list_, 1, button);
+    hands::ClickHeader(list_, 1, button, true);
   }
   EXPECT_EQ(clicked, "21322") << "a quick click counts like any other";
   EXPECT_EQ(AllNames(), Cells({"b", "a"})) << "the order is the program's matter";
@@ -127,30 +102,23 @@ TEST_F(Lists, AHeaderClickNamesTheColumnWhereverItStands) {
 
 TEST_F(Lists, MouseEventsReachTheProgramAfterTheSelection) {
   Fill({"a", "b", "c", "d", "e"});
-  const QPoint empty(20, view_->viewport()->height() - 3);
   std::string events;
   list_.MouseUp = [&](int button) {
     events += std::to_string(button);
     for (const std::string& name : SelectedNames()) events += name;
   };
-  const std::tuple<Qt::MouseButton, QPoint, Qt::KeyboardModifiers, std::string> clicks[] = {
-      {Qt::RightButton, empty, {}, "2"},
-      {Qt::LeftButton, RowPoint(1), {}, "1b"},
-      {Qt::LeftButton, RowPoint(4), Qt::ControlModifier, "1be"},
-      {Qt::RightButton, RowPoint(1), {}, "2be"},
-      {Qt::RightButton, empty, {}, "2be"},
-      {Qt::RightButton, RowPoint(0), {}, "2a"},
-      {Qt::LeftButton, RowPoint(2), Qt::ShiftModifier, "1abc"},
-      {Qt::LeftButton, RowPoint(1), Qt::ShiftModifier, "1ab"}};
-  for (const auto& [button, at, modifiers, expected] : clicks) {
-    QTest::mouseClick(view_->viewport(), button, modifiers, at);
+  const std::tuple<int, hands::Click, std::string> clicks[] = {
+      {-1, {.Button = 2}, "2"},          {1, {}, "1b"},
+      {4, {.Shift = vbCtrlMask}, "1be"}, {1, {.Button = 2}, "2be"},
+      {0, {.Button = 2}, "2a"},          {2, {.Shift = vbShiftMask}, "1abc"},
+      {1, {.Shift = vbShiftMask}, "1ab"}};
+  for (const auto& [row, click, expected] : clicks) {
+    hands::ClickRow(list_, row, click);
     EXPECT_EQ(std::exchange(events, ""), expected);
   }
   int doubleClicks = 0;
   list_.DblClick = [&] { ++doubleClicks; };
-  for (const QPoint& at : {empty, RowPoint(2)}) {
-    QTest::mouseDClick(view_->viewport(), Qt::LeftButton, {}, at);
-  }
+  for (const int row : {-1, 2}) hands::DoubleClickRow(list_, row);
   EXPECT_EQ(doubleClicks, 2) << "beside the rows too";
 }
 
@@ -158,48 +126,12 @@ TEST_F(Lists, CopyTheSelectedRowsAsTheyStand) {
   for (const char* name : {"b", "a", "c"}) list_.Add(name).SubItems(1, name + std::string("\t1"));
   list_.SortOrder(platform::lvwDescending);
   list_.Sorted(true);
-  view_->header()->moveSection(1, 0);
+  hands::MoveFirstColumn(list_, 1);
   for (const int position : {1, 3}) list_.Item(position).Selected(true);
-  EXPECT_EQ(Copied(view_), "c\u24091\tc\t\t\t\t\t\na\u24091\ta\t\t\t\t\t\n");
+  EXPECT_EQ(Copied(list_), "c\u24091\tc\t\t\t\t\t\na\u24091\ta\t\t\t\t\t\n");
   AddLines(5);
-  logView_->setCurrentIndex(logView_->model()->index(3, 0));
-  logView_->selectionModel()->select(logView_->model()->index(1, 0), QItemSelectionModel::Select);
-  EXPECT_EQ(Copied(logView_), "line\u240A1\nline\u240A3\n");
-}
-
-TEST_F(Lists, ATextThatIsCutOffShowsAsATooltipAsItIsAndNotAsMarkup) {
-  const auto tip = [](QWidget* over, const QPoint& at) {
-    QHelpEvent help(QEvent::ToolTip, at, over->mapToGlobal(at));
-    QApplication::sendEvent(over, &help);
-    return QToolTip::text().toStdString();
-  };
-  const auto tips = [&](const std::string& text) {
-    Fill({text});
-    log_.AddItem(text);
-    window_.TextSearch.Text(text);
-    QTest::qWait(1);
-    const QPoint line =
-        logView_->visualRect(logView_->model()->index(log_.ListCount() - 1, 0)).topLeft();
-    return Cells({tip(view_->viewport(), RowPoint(list_.Count() - 1)),
-                  tip(logView_->viewport(), line), tip(Widget(window_.TextSearch), {5, 5})});
-  };
-  EXPECT_EQ(tips("short"), Cells(3));
-  for (const std::string& shown : tips("<b>" + std::string(1'000'000, 'w'))) {
-    EXPECT_NE(shown.find("&lt;b&gt;ww"), std::string::npos);
-    EXPECT_LT(shown.size(), 10'000U) << "a long text's beginning";
-    EXPECT_NE(shown.find("\u2026"), std::string::npos);
-  }
-  view_->selectAll();
-  EXPECT_GT(Copied(view_).size(), 1'000'000U) << "is copied whole";
-}
-
-TEST_F(Lists, AnEmptyListShowsThatItHasTheKeyboard) {
-  for (QWidget* list : {static_cast<QWidget*>(view_), static_cast<QWidget*>(logView_)}) {
-    window_.TextSearch.SetFocus();
-    const QImage before = list->grab().toImage();
-    list->setFocus();
-    EXPECT_NE(list->grab().toImage(), before);
-  }
+  hands::SelectLines(log_, {3, 1});
+  EXPECT_EQ(Copied(log_), "line\u240A1\nline\u240A3\n");
 }
 
 TEST_F(Lists, ASortLeavesTagsTheKeyboardAndAPageOutOfSight) {
@@ -207,7 +139,7 @@ TEST_F(Lists, ASortLeavesTagsTheKeyboardAndAPageOutOfSight) {
   list_.Add("a").Tag(tag);
   list_.SetFocus();
   SortListView(list_, FileSizeCell + 1, SortNumber, true);
-  EXPECT_TRUE(view_->hasFocus());
+  EXPECT_TRUE(list_.HasFocus());
   list_.Visible(false);
   RestoreSortOrder(list_);
   EXPECT_FALSE(list_.Visible());
@@ -215,5 +147,5 @@ TEST_F(Lists, ASortLeavesTagsTheKeyboardAndAPageOutOfSight) {
   list_.Visible(true);
   list_.SetFocus();
   window_.Unload();
-  EXPECT_EQ(Widget(window_)->focusWidget(), nullptr) << "the next opening begins afresh";
+  EXPECT_FALSE(list_.HasFocus()) << "the next opening begins afresh";
 }

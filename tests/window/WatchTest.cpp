@@ -1,15 +1,15 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <utility>
 
-#include <QApplication>
-#include <QTest>
-#include <QTimer>
 #include <gtest/gtest.h>
 
 #include "core/PublicDim.h"
 #include "monitor/WatchFlags.h"
+#include "tests/support/Application.h"
 #include "tests/support/CookieFolder.h"
+#include "tests/support/Yields.h"
 #include "tests/window/Answers.h"
 #include "tests/window/CookieLists.h"
 #include "ui/FormMain.h"
@@ -19,15 +19,17 @@ namespace {
 class Watch : public testing::Test {
  protected:
   Watch() {
-    qputenv("XDG_DATA_HOME", folder_.Path("").parent_path().c_str());
+    KeepCookiesIn(folder_.Path("cookies"));
     MakeFiles();
-    // Runs inside every yield, as what the user does would. An act may put another in its place.
-    inYield_.callOnTimeout([this] {
+    // As what the user does would. An act may put another in its place.
+    InYield = [this] {
+      if (std::exchange(acting_, true)) return;
       PublicDim.MsgEnabled = false;
       if (const auto act = act_) act();
-    });
-    inYield_.start(0);
+      acting_ = false;
+    };
   }
+  ~Watch() override { InYield = nullptr; }
 
   void LoadAndStop(FormMain& form) {
     act_ = [&] {
@@ -42,10 +44,10 @@ class Watch : public testing::Test {
 
   static bool InsideAScan() { return WatchFlags.ScanRunning && PublicDim.ScanRowCount >= 100; }
 
-  const std::string cookies_ = "quillmere/cookies/";
+  const std::string cookies_ = "cookies/";
   CookieFolder folder_;
   std::function<void()> act_;
-  QTimer inYield_;
+  bool acting_ = false;
 };
 
 TEST_F(Watch, AStartInsideAComparisonsScanWaitsForItsEndAndTheTimerTicksOn) {
@@ -63,22 +65,28 @@ TEST_F(Watch, AStartInsideAComparisonsScanWaitsForItsEndAndTheTimerTicksOn) {
     };
   };
   EXPECT_TRUE(
-      QTest::qWaitFor([&] { return form.ListLog.ListCount() == 1 && form.CmdStart.Enabled(); }));
+      machine::WaitFor([&] { return form.ListLog.ListCount() == 1 && form.CmdStart.Enabled(); }));
 }
 
 TEST_F(Watch, AStartInsideAQuestionWaitsForTheAnswer) {
   FormMain form;
   LoadAndStop(form);
-  QTimer::singleShot(0, [&] { form.CmdStart.Click(); });
-  QTimer::singleShot(100, [] { QApplication::activeModalWidget()->close(); });
+  platform::Timer start(1, true);
+  start.Tick = [&] {
+    start.Enabled(false);
+    form.CmdStart.Click();
+  };
+  platform::Timer answer(100, true);
+  answer.Tick = [] { machine::PressInBox(platform::IDNO); };
   form.Check1.Value(1);
   form.CmdClean.Click();
+  answer.Enabled(false);
   EXPECT_TRUE(WatchFlags.StartRequested) << "the answer would come when the watch ends";
-  EXPECT_TRUE(QTest::qWaitFor([] { return !WatchFlags.StartRequested; }));
+  EXPECT_TRUE(machine::WaitFor([] { return !WatchFlags.StartRequested; }));
 }
 
 TEST_F(Watch, StopAndStartOverAndOverDoNotPileUpOnTheStack) {
-  std::filesystem::remove_all(folder_.Path("quillmere"));  // so that no scan takes the clicks
+  std::filesystem::remove_all(folder_.Native("cookies"));  // so that no scan takes the clicks
   FormMain form;
   const auto* const top = static_cast<char*>(__builtin_frame_address(0));
   int rounds = 0;
@@ -108,13 +116,13 @@ TEST_F(Watch, AScanThatTheCleanerDisturbsIsMadeAgain) {
   act_ = [&] { return PublicDim.WatchHandle > 0 ? form.CmdStop.Click() : clean(); };
   form.Load();
   EXPECT_EQ(form.ListLog.ListCount(), 1);
-  EXPECT_TRUE(QTest::qWaitFor([&] { return form.ListVCookie.Count() == 1; })) << "the first list";
+  EXPECT_TRUE(machine::WaitFor([&] { return form.ListVCookie.Count() == 1; })) << "the first list";
 
   MakeFiles();
   cleaned = false;
   act_ = clean;
   PublicDim.ChangePending = true;
-  EXPECT_TRUE(QTest::qWaitFor([&] { return cleaned && !WatchFlags.ScanRunning; }));
+  EXPECT_TRUE(machine::WaitFor([&] { return cleaned && !WatchFlags.ScanRunning; }));
   EXPECT_EQ(form.ListLog.ListCount(), 3) << "what the cleaner deleted is no news";
   EXPECT_NE(form.ListLog.List(2).find("added: survivor.txt"), std::string::npos);
 }

@@ -16,9 +16,22 @@ namespace machine {
 namespace fs = std::filesystem;
 
 const char Separator = '\\';
+const bool CasesDiffer = false;
+const bool ToldExactly = false;
+const bool TouchIsTold = false;
+
+namespace {
+
+// Of the system's count of time.
+constexpr std::uint64_t StepsASecond = 10'000'000;
+constexpr std::time_t SecondsBefore1970 = 11'644'473'600;
+
+}  // namespace
 
 fs::path NativePath(const std::string& path) { return platform::SystemPath(path); }
 std::string PathText(const fs::path& path) { return platform::Narrow(path.native()); }
+
+std::vector<fs::path> TemporaryPlaces() { return {fs::temp_directory_path()}; }
 
 std::string MakeOwnFolder(const fs::path& parent) {
   static std::atomic<int> number;
@@ -72,21 +85,55 @@ void UseHome(const std::string& path) {
   SetEnvironmentVariableW(L"USERPROFILE", platform::Wide(path).c_str());
 }
 
-void MakeReadOnly(const std::string& path) {
-  SetFileAttributesW(NativePath(path).c_str(), platform::FILE_ATTRIBUTE_READONLY);
+Facts FactsOf(const std::string& path) {
+  Facts facts;
+  WIN32_FILE_ATTRIBUTE_DATA data;
+  if (!GetFileAttributesExW(NativePath(path).c_str(), GetFileExInfoStandard, &data)) return facts;
+  const auto has = [&](DWORD attribute) { return (data.dwFileAttributes & attribute) != 0; };
+  facts.Exists = true;
+  facts.IsFolder = facts.LeadsToFolder = has(platform::FILE_ATTRIBUTE_DIRECTORY);
+  facts.IsPlain = !facts.IsFolder;
+  facts.IsReadable = facts.IsPlain && !has(platform::FILE_ATTRIBUTE_HIDDEN);
+  facts.MayGo = facts.IsPlain && !has(platform::FILE_ATTRIBUTE_READONLY);
+  facts.IsWritable = facts.MayGo && facts.IsReadable;
+  facts.Size = (std::uintmax_t{data.nFileSizeHigh} << 32) | data.nFileSizeLow;
+  const auto time = (std::uint64_t{data.ftLastWriteTime.dwHighDateTime} << 32) |
+                    data.ftLastWriteTime.dwLowDateTime;
+  facts.Modified = static_cast<std::time_t>(time / StepsASecond) - SecondsBefore1970;
+  return facts;
+}
+
+void ReadOnly(const std::string& path, bool readOnly) {
+  const std::wstring name = NativePath(path);
+  const DWORD others = GetFileAttributesW(name.c_str()) & platform::FILE_ATTRIBUTE_HIDDEN;
+  SetFileAttributesW(name.c_str(), others | (readOnly ? platform::FILE_ATTRIBUTE_READONLY
+                                                      : platform::FILE_ATTRIBUTE_NORMAL));
 }
 
 void Hide(const std::string& path) {
   SetFileAttributesW(NativePath(path).c_str(), platform::FILE_ATTRIBUTE_HIDDEN);
 }
 
-void TickOnce(int milliseconds, bool& ticked) {
-  static bool* raised = nullptr;
-  raised = &ticked;
-  SetTimer(nullptr, 0, static_cast<UINT>(milliseconds), [](HWND, UINT, UINT_PTR timer, DWORD) {
-    KillTimer(nullptr, timer);
-    *raised = true;
-  });
+void Touch(const std::string& path, std::time_t second, int steps) {
+  const auto time = static_cast<std::uint64_t>(second + SecondsBefore1970) * StepsASecond +
+                    static_cast<std::uint64_t>(steps);
+  const ::FILETIME written{static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
+  const auto file = platform::OpenExisting(NativePath(path), FILE_WRITE_ATTRIBUTES);
+  SetFileTime(file.Get(), nullptr, nullptr, &written);
+}
+
+void TouchInVain(const std::string& path) {
+  const auto file =
+      platform::OpenExisting(NativePath(path), FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES);
+  ::FILETIME written;
+  if (GetFileTime(file.Get(), nullptr, nullptr, &written))
+    SetFileTime(file.Get(), nullptr, nullptr, &written);
+}
+
+bool MakeOddity(const std::string&, unsigned) { return false; }
+
+std::vector<std::pair<std::string, std::string>> OddNames() {
+  return {{"con.txt", "con.txt"}, {" ['%1%].txt", " ['%1%].txt"}, {"\u2028.txt", "␤.txt"}};
 }
 
 void WriteBytesAsTheyAre() { _setmode(_fileno(stdout), _O_BINARY); }

@@ -113,7 +113,7 @@ TEST(WindowsFiles, WhoeverHasAFileOpenAllowsWhatBecomesOfIt) {
   }
   EXPECT_TRUE(platform::WriteFileWhole(file, "new"));
   EXPECT_EQ(platform::Dir(file), "") << "it is hidden as before";
-  machine::MakeReadOnly(file);
+  machine::ReadOnly(file, true);
   EXPECT_FALSE(platform::WriteFileWhole(file, "newer"));
   EXPECT_EQ(folder.Read("a.ini"), "new");
   EXPECT_EQ(folder.Entries(), before);

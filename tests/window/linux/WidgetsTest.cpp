@@ -1,16 +1,25 @@
 #include <string>
+#include <vector>
 
 #include <QApplication>
 #include <QClipboard>
+#include <QHelpEvent>
+#include <QListView>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPlainTextEdit>
 #include <QTest>
+#include <QToolTip>
+#include <QTreeView>
 #include <gtest/gtest.h>
 
 #include "platform/linux/Widgets.h"
+#include "tests/window/CookieLists.h"
+#include "tests/window/Hands.h"
 
 namespace {
+
+using Cells = std::vector<std::string>;
 
 class SampleForm : public platform::Form {
  public:
@@ -75,6 +84,57 @@ TEST(Forms, AColourOfTheThemeFollowsTheTheme) {
   EXPECT_EQ(line.BackColor(), 0x28323Cu);
   EXPECT_EQ(Widget(line)->palette().text().color(), QApplication::palette().text().color());
   QApplication::setPalette(before);
+}
+
+class ListWidgets : public testing::Test {
+ protected:
+  ListWidgets() {
+    window_.Show();
+    Widget(window_)->activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(Widget(window_)));
+  }
+
+  CookieLists window_;
+  platform::ListView& list_ = window_.ListVCookie;
+  platform::ListBox& log_ = window_.ListLog;
+  QTreeView* view_ = static_cast<QTreeView*>(Widget(list_));
+  QListView* logView_ = static_cast<QListView*>(Widget(log_));
+};
+
+TEST_F(ListWidgets, ATextThatIsCutOffShowsAsATooltipAsItIsAndNotAsMarkup) {
+  const auto tip = [](QWidget* over, const QPoint& at) {
+    QHelpEvent help(QEvent::ToolTip, at, over->mapToGlobal(at));
+    QApplication::sendEvent(over, &help);
+    return QToolTip::text().toStdString();
+  };
+  const auto tips = [&](const std::string& text) {
+    list_.Add(text);
+    log_.AddItem(text);
+    window_.TextSearch.Text(text);
+    QTest::qWait(1);
+    const QPoint line =
+        logView_->visualRect(logView_->model()->index(log_.ListCount() - 1, 0)).topLeft();
+    return Cells({tip(view_->viewport(),
+                      view_->visualRect(view_->model()->index(list_.Count() - 1, 0)).center()),
+                  tip(logView_->viewport(), line), tip(Widget(window_.TextSearch), {5, 5})});
+  };
+  EXPECT_EQ(tips("short"), Cells(3));
+  for (const std::string& shown : tips("<b>" + std::string(1'000'000, 'w'))) {
+    EXPECT_NE(shown.find("&lt;b&gt;ww"), std::string::npos);
+    EXPECT_LT(shown.size(), 10'000U) << "a long text's beginning";
+    EXPECT_NE(shown.find("\u2026"), std::string::npos);
+  }
+  view_->selectAll();
+  EXPECT_GT(hands::Copied(list_).size(), 1'000'000U) << "is copied whole";
+}
+
+TEST_F(ListWidgets, AnEmptyListShowsThatItHasTheKeyboard) {
+  for (QWidget* list : {static_cast<QWidget*>(view_), static_cast<QWidget*>(logView_)}) {
+    window_.TextSearch.SetFocus();
+    const QImage before = list->grab().toImage();
+    list->setFocus();
+    EXPECT_NE(list->grab().toImage(), before);
+  }
 }
 
 }  // namespace

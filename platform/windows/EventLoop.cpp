@@ -36,11 +36,11 @@ HWND ActionWindow() {
 
 // --- Windows that have closed --------------------------------------------------------------------
 
-int ticksRunning = 0;
+int running = 0;
 
 struct ClosedForm {
   std::unique_ptr<Form> Window;
-  int TicksRunning;  ///< When it closed: its own tick may be the innermost of them.
+  int Running;  ///< When it closed: the innermost of them has closed it. The watch is always one.
 };
 
 std::vector<ClosedForm>& ClosedForms() {
@@ -49,8 +49,8 @@ std::vector<ClosedForm>& ClosedForms() {
 }
 
 bool CanGo(const ClosedForm& closed) {
-  const bool tickEnded = closed.TicksRunning == 0 || ticksRunning < closed.TicksRunning;
-  return tickEnded && WidgetAs<FormWidget>(*closed.Window).ProceduresRunning == 0;
+  const bool ended = closed.Running == 0 || running < closed.Running;
+  return ended && WidgetAs<FormWidget>(*closed.Window).ProceduresRunning == 0;
 }
 
 void FreeClosedForms() {
@@ -119,17 +119,15 @@ HWND NewHiddenWindow(const wchar_t* name, WNDPROC procedure) {
   return NewWindow(name, procedure, nullptr);
 }
 
-TickRuns::TickRuns() { ++ticksRunning; }
-TickRuns::~TickRuns() { --ticksRunning; }
+Running::Running() { ++running; }
+Running::~Running() { --running; }
 
 void Later(std::function<void()> action) {
   Actions().push_back(std::move(action));
   PostMessageW(ActionWindow(), ActionsWait, 0, 0);
 }
 
-void FreeLater(std::unique_ptr<Form> form) {
-  ClosedForms().push_back({std::move(form), ticksRunning});
-}
+void FreeLater(std::unique_ptr<Form> form) { ClosedForms().push_back({std::move(form), running}); }
 
 void DoEvents() {
   // To ask the system is dear: an event of the last moment meets the next yield.

@@ -24,16 +24,16 @@ void ListenInForeignLoops();
 /// Hands out events until the process is told to end; returns its exit code.
 int RunEventLoop();
 
-/// Frees a window that has closed, once no procedure of it is running.
+/// Frees a window that has closed, once what closed it has ended and no procedure of it is running.
 void FreeLater(std::unique_ptr<Form> form);
 
-/// A timer's tick is on the stack for the length of this.
-class TickRuns {
+/// A timer's tick, or a procedure of a window, is on the stack for the length of this.
+class Running {
  public:
-  TickRuns();
-  TickRuns(const TickRuns&) = delete;
-  TickRuns& operator=(const TickRuns&) = delete;
-  ~TickRuns();
+  Running();
+  Running(const Running&) = delete;
+  Running& operator=(const Running&) = delete;
+  ~Running();
 };
 
 }  // namespace platform

@@ -50,12 +50,13 @@ int ScreenTwips(int pixels) {
 }  // namespace
 
 FormWidget::FormWidget(Form& form, const FormDesign& design)
-    : NativeWidget(nullptr), form_(&form), design_(design), title_(Wide(design.Caption)) {
+    : NativeWidget(nullptr), design_(design), title_(Wide(design.Caption)) {
   paintsBack_ = true;
   all_.push_back(this);
   if (main_ == nullptr) main_ = this;
   NotePlace({0, 0, design.ClientWidth + FrameWidth, design.ClientHeight + FrameHeight});
   if (!design.ShowWithoutActivating) Realise();
+  form_ = &form;  // which is told nothing before: it is only about to be made
 }
 
 FormWidget::~FormWidget() {

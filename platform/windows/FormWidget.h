@@ -4,6 +4,7 @@
 #include <functional>
 #include <vector>
 
+#include "platform/windows/EventLoop.h"
 #include "platform/windows/Widget.h"
 
 namespace platform {
@@ -18,8 +19,7 @@ class FormWidget : public NativeWidget {
 
   FormWidget& Top() override { return *this; }
   const FormDesign& Design() const { return design_; }
-  /// Null once the program's own object is about to go.
-  Form* Owner() const { return form_; }
+  /// The program's own object is about to go.
   void Forget() { form_ = nullptr; }
 
   /// The outer size counts the contract's frame, the place the whole screen's corner.
@@ -87,7 +87,7 @@ class FormWidget : public NativeWidget {
 
   inline static FormWidget* main_ = nullptr;
   inline static std::vector<FormWidget*> all_;
-  Form* form_;
+  Form* form_ = nullptr;
   FormDesign design_;
   std::wstring title_;
   FormWidget* belongsTo_ = nullptr;
@@ -107,6 +107,7 @@ class ProcedureRuns {
   ~ProcedureRuns() { --form_.ProceduresRunning; }
 
  private:
+  Running running_;
   FormWidget& form_;
 };
 

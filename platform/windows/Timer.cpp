@@ -29,7 +29,7 @@ class Timers {
     const Time begun = Now();
     while (TickQueue::Clock* const clock = queue_.TakeDue(Now())) {
       Await(queue_.NextAfter(Now()));
-      const TickRuns runs;
+      const Running tick;
       clock->Tick();
       if (Now() - begun > RoomForOthers) break;
     }

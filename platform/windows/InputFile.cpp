@@ -27,7 +27,8 @@ OrdinaryFiles& AtHand() {
 }
 
 bool IsOrdinary(const std::string& path) {
-  if (FolderOf(path) == AtHand().Folder) return AtHand().Names.contains(NameOf(path));
+  if (FolderOf(path) == AtHand().Folder && AtHand().Names.contains(NameOf(path))) return true;
+  // It may be new there, or there in other letters.
   const std::vector<std::string> found = NamesThatFit(path, vbNormal);
   return found.size() == 1 && found.front() == NameOf(path);
 }

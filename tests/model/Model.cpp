@@ -95,6 +95,10 @@ std::string Folded(const std::string& text) {
   return folded;
 }
 
+std::string Untimed(const std::string& line) {
+  return line.substr(std::min(line.find(" - Cookie"), line.size()));
+}
+
 std::string Meant(const std::string& name, const std::set<std::string>& entries) {
   std::vector<std::string> equal;
   for (const std::string& entry : entries) {

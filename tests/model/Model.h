@@ -19,6 +19,8 @@ Files FilesIn(const std::string& folder);
 /// Whether a reader opens the file: ordinary and not hidden.
 bool IsReadable(const std::string& folder, const std::string& name);
 std::string Folded(const std::string& text);
+/// A line of the log without its time.
+std::string Untimed(const std::string& line);
 /// The entry of that name, else the only one of an equal name.
 std::string Meant(const std::string& name, const std::set<std::string>& entries);
 

@@ -61,7 +61,7 @@ struct Held {
   long Slack;
 };
 std::vector<Held> HeldNow();
-/// Memory in use, in kB.
-long MemoryNow();
+/// In kB. What a heap keeps of freed memory is its slack.
+Held MemoryNow();
 
 }  // namespace machine

@@ -157,7 +157,8 @@ class Program(ProgramWords):
         return {"WINEPREFIX": str(self.machine), "HOME": str(self.machine / "home"),
                 "USER": self.user.name,
                 "XDG_DATA_HOME": str(self.machine / "home/.local/share"),
-                "WINEDEBUG": "-all", "LC_ALL": "C.UTF-8",
+                # Of a fault within a window's procedure, which it does not let end the program, it tells.
+                "WINEDEBUG": "-all,err+seh", "LC_ALL": "C.UTF-8",
                 "WINEDLLOVERRIDES": "mscoree,mshtml=;winemenubuilder.exe=d"}
 
     def command(self):

@@ -85,11 +85,11 @@ std::vector<Held> HeldNow() {
           {"windows", QApplication::topLevelWidgets().size(), 0}};
 }
 
-long MemoryNow() {
+Held MemoryNow() {
   malloc_trim(0);
   long pages = 0;
   std::ifstream("/proc/self/statm") >> pages >> pages;
-  return pages * (sysconf(_SC_PAGESIZE) / 1024);
+  return {"memory", pages * (sysconf(_SC_PAGESIZE) / 1024), 1500};
 }
 
 }  // namespace machine

@@ -45,7 +45,7 @@ void NormalPlace::Look() {
     return;
   }
   --corrections_;
-  if (IsOnScreen() && place_.isValid() && !(isNormal && window_.size() == place_.size())) {
+  if (IsOnScreen() && place_.isValid() && !(isNormal && window_.geometry() == place_)) {
     window_.setWindowState(Qt::WindowNoState);
     window_.setGeometry(place_);
   }

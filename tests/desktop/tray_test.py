@@ -173,7 +173,7 @@ class TrayTest(DesktopTest):
             self.tray.click()
             self.check_back()
             time.sleep(0.5)
-            self.assertEqual(program.geometry(), place)
+            self.wait_for_equal(program.geometry, place)
         if MACHINE == "linux":
             self.check_way_to_the_desktop_in_sight(program)
 

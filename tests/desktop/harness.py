@@ -76,7 +76,7 @@ class DesktopTest(unittest.TestCase):
         """One that has to end well with its test."""
         program = Program(self.desktop, **options)
         self.addCleanup(program.kill)
-        self.addCleanup(lambda: program.process and self.assertEqual(program.end(), 0))
+        self.addCleanup(lambda: program.process and self.check_end(program))
         return program
 
     def started(self, **options):
@@ -86,7 +86,7 @@ class DesktopTest(unittest.TestCase):
         """It ends in the orderly way and has had nothing to complain of."""
         self.assertEqual(end(program), 0)
         # The font library has its own word on a home in which it can keep nothing.
-        self.assertNotRegex((program.folder.parent / "stderr").read_text(), "(?m)^(?!Fontconfig ).")
+        self.assertNotRegex(program.errors.read_text(), "(?m)^(?!Fontconfig ).")
 
     def listen(self, event, heard):
         """Notes role and name of what a screen reader is told of, while the tree is read."""

@@ -47,7 +47,9 @@ class ProgramWords:
 
     def __init__(self, desktop, switch=(), config=None, env=(), accessible=True):
         self.desktop = desktop
-        self.folder = Path(tempfile.mkdtemp(prefix="run-", dir=desktop.home)) / "app"
+        home = Path(tempfile.mkdtemp(prefix="run-", dir=desktop.home))
+        self.folder = home / "app"
+        self.errors = home / "stderr"
         shutil.copytree(APP, self.folder, ignore=lambda folder, names: [
             name for name in names if Path(folder) == APP and name in ("log", "config.ini")])
         if config is not None:
@@ -60,7 +62,7 @@ class ProgramWords:
     def start(self):
         """Starts it and waits until it watches."""
         self.window = None
-        with open(self.folder.parent / "stderr", "w") as errors:
+        with open(self.errors, "w") as errors:
             self.process = self.desktop.start(*self.command(), *self.switch, env=self.env,
                                               stderr=errors)
         wait_until(self.watching, "the watch to begin", 30)
@@ -68,7 +70,7 @@ class ProgramWords:
 
     def check_runs(self):
         if self.process.poll() is not None:
-            raise AssertionError("it ended: " + (self.folder.parent / "stderr").read_text())
+            raise AssertionError("it ended: " + self.errors.read_text())
 
     def used(self):
         """Seconds of the processor."""

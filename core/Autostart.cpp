@@ -8,8 +8,8 @@
 
 namespace {
 
-const std::string RunKey = R"(Software\Microsoft\Windows\CurrentVersion\Run)";
-const std::string ValueName = "Quillmere";
+constexpr const char* RunKey = R"(Software\Microsoft\Windows\CurrentVersion\Run)";
+constexpr const char* ValueName = "Quillmere";
 
 }  // namespace
 

@@ -19,6 +19,7 @@
 
 #include "platform/Forms.h"
 #include "platform/linux/Paths.h"
+#include "platform/linux/SizeSteps.h"
 #include "platform/linux/Widgets.h"
 #include "platform/linux/XServer.h"
 
@@ -138,6 +139,7 @@ int RunApplication(int argc, char** argv, const std::function<std::unique_ptr<Fo
   argc = 1;  // no switch is the toolkit's
   Application application(argc, argv);
   x11.reset();
+  const SizeSteps steps;
   QCoreApplication::setApplicationName("Quillmere");
   ExecutablePath();
   QApplication::setFont(DialogFont());

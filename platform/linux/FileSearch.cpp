@@ -29,7 +29,7 @@ class Search {
   bool Next(WIN32_FIND_DATA& data) {
     DirectoryReader::Entry entry;
     while (reader_.Next(entry)) {
-      if (fitting_.Fits(entry.Name) && Fill(entry.Name, data)) return true;
+      if (fitting_.Fits(entry.Name) && Fill(entry, data)) return true;
     }
     return false;
   }
@@ -40,18 +40,18 @@ class Search {
     return name == "*" ? "*.*" : name;
   }
 
-  bool Fill(std::string_view name, WIN32_FIND_DATA& data) const {
+  bool Fill(const DirectoryReader::Entry& entry, WIN32_FIND_DATA& data) const {
     struct stat info;
-    if (fstatat(reader_.Folder(), name.data(), &info, 0) != 0 &&
-        fstatat(reader_.Folder(), name.data(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (fstatat(reader_.Folder(), entry.SystemName(), &info, 0) != 0 &&
+        fstatat(reader_.Folder(), entry.SystemName(), &info, AT_SYMLINK_NOFOLLOW) != 0) {
       return false;  // Deleted since the directory was read.
     }
     const auto size = static_cast<std::uint64_t>(info.st_size);
-    data.dwFileAttributes = Attributes(info, name);
+    data.dwFileAttributes = Attributes(info, entry.Name);
     data.ftLastWriteTime = MomentFrom1970(info.st_mtim.tv_sec, info.st_mtim.tv_nsec);
     data.nFileSizeHigh = static_cast<std::uint32_t>(size >> 32);
     data.nFileSizeLow = static_cast<std::uint32_t>(size);
-    data.cFileName = name;
+    data.cFileName = entry.Name;
     return true;
   }
 

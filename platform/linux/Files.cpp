@@ -48,11 +48,11 @@ bool DeleteAll(const std::string& folder, const NamePattern& fitting) {
   DirectoryReader::Entry entry;
   while (reader.Next(entry)) {
     if (!fitting.Fits(entry.Name) ||
-        !IsWanted(reader.Folder(), entry.Name.data(), vbNormal, entry.Type)) {
+        !IsWanted(reader.Folder(), entry.SystemName(), vbNormal, entry.Type)) {
       continue;
     }
     any = true;
-    if (!Delete(reader.Folder(), entry.Name.data())) all = false;
+    if (!Delete(reader.Folder(), entry.SystemName())) all = false;
   }
   return any && all;
 }
@@ -94,7 +94,7 @@ void RemoveOrphans(const std::string& folder) {
     const auto [end, error] = std::from_chars(number.begin(), number.end(), process);
     const bool named = error == std::errc() && end == number.end() && process > 0;
     if (named && kill(process, 0) != 0 && errno == ESRCH) {
-      unlinkat(reader.Folder(), entry.Name.data(), 0);
+      unlinkat(reader.Folder(), entry.SystemName(), 0);
     }
   }
 }
@@ -201,7 +201,7 @@ std::vector<std::string> NamesThatFit(const std::string& pattern, int attributes
   DirectoryReader::Entry entry;
   while (reader.IsOpen() && reader.Next(entry)) {
     if (fitting.Fits(entry.Name) &&
-        IsWanted(reader.Folder(), entry.Name.data(), attributes, entry.Type)) {
+        IsWanted(reader.Folder(), entry.SystemName(), attributes, entry.Type)) {
       names.emplace_back(entry.Name);
     }
   }

@@ -139,7 +139,7 @@ void FormWidget::HideInTaskbar(bool inTaskbar) {
 
 void FormWidget::StayAway() {
   if (!hidesInTaskbar_) return hide();
-  setWindowState(*wentAs_ | Qt::WindowMinimized);
+  setWindowState(State() | Qt::WindowMinimized);
   if (!isVisible()) PrepareToShow();
   show();
 }

@@ -28,6 +28,7 @@ bool StartApart(const std::string& program, const std::string& argument) {
   if (between == 0) {
     setsid();
     const int nowhere = open("/dev/null", O_RDWR);
+    if (nowhere < 0) _exit(1);
     for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, standard);
     if (nowhere > STDERR_FILENO) close(nowhere);
     if (fork() == 0) execv(words[0], words);

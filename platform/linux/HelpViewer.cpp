@@ -22,6 +22,7 @@
 
 #include "platform/linux/Descriptor.h"
 #include "platform/linux/HelpWindow.h"
+#include "platform/linux/SizeSteps.h"
 #include "platform/linux/XServer.h"
 
 namespace platform {
@@ -101,6 +102,7 @@ int ShowHelp(int argc, char** argv) {
   std::optional<X11Choice> x11(std::in_place);  // where a window can come to the front
   QApplication application(argc, argv);
   x11.reset();
+  const SizeSteps steps;
   QCoreApplication::setApplicationName("Quillmere");
 
   // By this way the pages are found under any bytes that the folder's path has.

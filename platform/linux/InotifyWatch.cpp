@@ -43,12 +43,12 @@ std::uint64_t Nanoseconds(std::int64_t seconds, std::uint32_t nanoseconds) {
   return static_cast<std::uint64_t>(seconds) * 1000000000U + nanoseconds;
 }
 
-/// `name` ends in a NUL. Nothing where there is no file of that name.
-std::optional<FileStamp> StampOfFile(int folder, std::string_view name) {
+/// Nothing where there is no file of that name.
+std::optional<FileStamp> StampOfFile(int folder, const char* name) {
   struct statx info;
   constexpr unsigned Asked = STATX_TYPE | STATX_MTIME | STATX_SIZE;
   const bool file =
-      statx(folder, name.data(), AT_SYMLINK_NOFOLLOW, Asked, &info) == 0 && !S_ISDIR(info.stx_mode);
+      statx(folder, name, AT_SYMLINK_NOFOLLOW, Asked, &info) == 0 && !S_ISDIR(info.stx_mode);
   if (!file) return std::nullopt;
   return StampOf(Nanoseconds(info.stx_mtime.tv_sec, info.stx_mtime.tv_nsec), info.stx_size);
 }
@@ -73,7 +73,7 @@ class Reading final : public FolderReading {
     DirectoryReader::Entry entry;
     while (reader_.IsOpen() && reader_.Next(entry)) {
       if (entry.Type == DT_DIR) continue;
-      const std::optional<FileStamp> stamp = StampOfFile(reader_.Folder(), entry.Name);
+      const std::optional<FileStamp> stamp = StampOfFile(reader_.Folder(), entry.SystemName());
       if (!stamp) continue;
       file = {HashOf(entry.Name), *stamp};
       return true;
@@ -167,7 +167,7 @@ void InotifyWatch::LookAtWritten() {
   if (written_.empty()) return;
   const Descriptor folder(open(folder_.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   for (const std::string& name : written_) {
-    const std::optional<FileStamp> stamp = StampOfFile(folder.Number(), name);
+    const std::optional<FileStamp> stamp = StampOfFile(folder.Number(), name.c_str());
     if (!stamp) {
       Stamps.Forget(HashOf(name));
     } else if (Stamps.Update(HashOf(name), *stamp)) {

@@ -43,6 +43,8 @@ class DirectoryReader {
   struct Entry {
     std::string_view Name;  ///< Ended by a NUL; valid until the next entry is asked for.
     unsigned char Type;     ///< DT_REG, ..., or DT_UNKNOWN where the file system does not say.
+    /// The name as the system's calls take it.
+    const char* SystemName() const { return Name.data(); }
   };
 
   explicit DirectoryReader(const std::string& folder)

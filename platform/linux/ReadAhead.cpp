@@ -84,10 +84,10 @@ ReadAhead::~ReadAhead() {
 }
 
 void ReadAhead::List() {
-  std::optional<FolderListing> listing;
+  std::unique_ptr<FolderListing> listing;
   std::vector<Block> blocks;
   try {
-    listing.emplace(pattern_);
+    listing = std::make_unique<FolderListing>(pattern_);
     blocks.resize((listing->Count() + FilesOfBlock - 1) / FilesOfBlock);
   } catch (const std::bad_alloc&) {
     listing.reset();  // nothing is at hand then
@@ -162,9 +162,10 @@ void ReadAhead::Read(std::size_t number, Block& block, char* room) const {
   const std::size_t first = number * FilesOfBlock;
   std::size_t used = 0;
   for (std::size_t i = 0; i < FilesOfBlock && first + i < listing_->Count(); ++i) {
-    block.Contents[i] =
+    const auto content =
         ReadWhole(listing_->Folder(), listing_->Name(first + i), {room + used, RoomOfBlock - used});
-    if (block.Contents[i]) used += block.Contents[i]->size();
+    block.Contents[i] = content;
+    if (content) used += content->size();
   }
   block.Bytes.reset(new (std::nothrow) char[used]);
   if (!block.Bytes) return block.Contents.fill(std::nullopt);

@@ -89,7 +89,7 @@ class ReadAhead {
 
   std::mutex mutex_;
   std::condition_variable advanced_;
-  std::optional<FolderListing> listing_;  ///< Only read once it is there, but for whoever takes.
+  std::unique_ptr<FolderListing> listing_;  ///< Only read once it is there, but for whoever takes.
   std::vector<Block> blocks_;
   std::size_t next_ = 0;   ///< The first block that nobody reads or has read.
   std::size_t begun_ = 0;  ///< The block before this one is being taken, those before it are done.

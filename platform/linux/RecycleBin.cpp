@@ -48,8 +48,8 @@ Descriptor OpenToEmpty(int at, const std::string& name) {
 
 std::vector<std::string> NamesIn(int folder) {
   std::vector<std::string> names;
-  const std::unique_ptr<DIR, int (*)(DIR*)> entries(
-      fdopendir(openat(folder, ".", O_RDONLY | FolderFlags)), closedir);
+  const int list = openat(folder, ".", O_RDONLY | FolderFlags);
+  const std::unique_ptr<DIR, int (*)(DIR*)> entries(list < 0 ? nullptr : fdopendir(list), closedir);
   while (const dirent* entry = entries ? readdir(entries.get()) : nullptr) {
     const std::string_view name = entry->d_name;
     if (name != "." && name != "..") names.emplace_back(name);

@@ -167,7 +167,8 @@ class RegistryFile {
   std::optional<Value> Get(const std::string& path, const std::string& name) const {
     const std::size_t line = Find(path, name);
     if (line == lines_.size()) return std::nullopt;
-    return ValueOf(SplitValueLine(lines_[line])->second);
+    const auto found = SplitValueLine(lines_[line]);
+    return found ? ValueOf(found->second) : std::nullopt;
   }
 
   void Set(const std::string& path, const std::string& name, const Value& value) {

@@ -23,11 +23,9 @@ class TrayHosts : public QObject, private QAbstractNativeEventFilter {
   /// One came or went.
   void Changed();
 
- private slots:
-  void LookForEmbedding();
-  void AskForNotifier();
-
  private:
+  void LookForEmbedding();
+  Q_SLOT void AskForNotifier();
   bool nativeEventFilter(const QByteArray& kind, void* message, qintptr* result) override;
 
   xcb_atom_t selection_ = XCB_NONE;

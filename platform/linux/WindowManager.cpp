@@ -114,7 +114,8 @@ bool IsOnOtherDesktop(xcb_window_t window) {
 
 void ComeToThisDesktop(xcb_window_t window) {
   if (!IsOnOtherDesktop(window)) return;
-  Ask(window, DesktopOfWindow, {*Number(Root(), DesktopInSight), FromProgram});
+  const auto here = Number(Root(), DesktopInSight);
+  if (here) Ask(window, DesktopOfWindow, {*here, FromProgram});
 }
 
 bool LiesBelow(xcb_window_t window, xcb_window_t other) {

@@ -1,7 +1,8 @@
 #include "platform/linux/XServer.h"
 
 #include <cstdint>
-#include <cstdio>
+#include <cstdlib>
+#include <iostream>
 #include <string>
 
 #include <QGuiApplication>
@@ -23,10 +24,8 @@ static void EndWithoutDisplay(QtMsgType type, const QMessageLogContext& context,
   if (type != QtFatalMsg) return otherMessages(type, context, message);
   const char* const platform = std::getenv(Platform);
   const bool isX11 = !platform || platform == std::string_view("xcb");
-  std::fprintf(stderr,
-               "quillmere: no window can be shown (%s). It takes an X server: X11 or, in a Wayland "
-               "session, XWayland.\n",
-               SettingOf(isX11 ? "DISPLAY" : Platform).c_str());
+  std::cerr << "quillmere: no window can be shown (" << SettingOf(isX11 ? "DISPLAY" : Platform)
+            << "). It takes an X server: X11 or, in a Wayland session, XWayland.\n";
   std::_Exit(EXIT_FAILURE);
 }
 

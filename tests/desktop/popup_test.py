@@ -4,8 +4,8 @@ import math
 import re
 import time
 
-from harness import (MACHINE, SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, DesktopTest, cookies, end_process, front,
-                     main, run, under, wait_until)
+from harness import (MACHINE, SANITIZED, SAVE_LOG, TWIPS_PER_PIXEL, WINDOW_MANAGERS, DesktopTest,
+                     cookies, end_process, front, main, run, under, wait_until)
 
 CLIENT = (3435 // TWIPS_PER_PIXEL, 1365 // TWIPS_PER_PIXEL)
 # Its outer size counts 120 x 420 twips of frame, whatever is drawn.
@@ -63,7 +63,7 @@ class PopupTest(DesktopTest):
             self.wait_for_equal(lambda: len(program.windows("Quillmere")), left)
         self.assertGreater(time.monotonic() - start, 6)  # at its sixth tick each closes by itself
 
-    @under("openbox", "xfwm4", "metacity", "icewm", "fluxbox")
+    @under(*WINDOW_MANAGERS)
     def test_keys_stay_where_they_are(self):
         """While popups open and close, every key reaches the window that the user types in."""
         program = self.started(config=SAVE_LOG)
@@ -86,7 +86,7 @@ class PopupTest(DesktopTest):
             output.read_text(), re.DOTALL)), letters * 8)
         self.assertEqual(front(), typing)
 
-    @under("openbox", "metacity")
+    @under("openbox", "xfwm4", "metacity")
     def test_pile(self):
         """Of forty at once the newest are shown, each once, the newest of all on top."""
         program = self.started(config=SAVE_LOG, accessible=False)

@@ -2,8 +2,8 @@
 
 import math
 
-from harness import (MACHINE, SAVE_LOG, SCREENS, TWIPS_PER_PIXEL, DesktopTest, cookies, front, key, main,
-                     only_on, run, viewers, wait_until)
+from harness import (MACHINE, SAVE_LOG, SCREENS, TWIPS_PER_PIXEL, WINDOW_MANAGERS, DesktopTest, cookies,
+                     front, key, main, only_on, run, under, viewers, wait_until)
 
 FILE = "jane@shop.example[1].txt"
 
@@ -128,6 +128,7 @@ class WindowTest(DesktopTest):
             differences[3] = max(differences[3], 0)
         return max(map(abs, differences)) <= 1
 
+    @under("openbox", "xfwm4")
     def test_sizes(self):
         program = self.begin().start()
         left, top, *size = program.geometry()
@@ -288,6 +289,22 @@ class WindowTest(DesktopTest):
                 self.shown.end()
 
     @only_on("linux")
+    @under("fluxbox")
+    def test_scaled(self):
+        """Under a window manager that takes what it is told of sizes at its word."""
+        self.begin(env={"QT_SCALE_FACTOR": "1.5"}).start().activate()
+        self.check_size(MAIN, 1.5)
+        for _, opened, size, order, _, after in self.WINDOWS:
+            if size:
+                opened(self)
+                self.wait_for_focus(order[0])
+                self.check_size(size, 1.5)
+                key("Escape")
+            if size and after:
+                self.wait_for_focus(after)
+
+    @only_on("linux")
+    @under(*WINDOW_MANAGERS)
     def test_keys(self):
         """What keys do beside Tab and Enter, and what a screen reader is told beside the names."""
         program = self.begin().start()
